@@ -1,0 +1,102 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "sampling/samples.h"
+
+namespace quillmark {
+
+// Cumulative CPU time counters in the kernel's ticks, folded into the four states the load
+// formula uses. 64-bit so that Linux's wide counters fit; macOS fills them from 32-bit fields.
+struct CPUTicks {
+  std::uint64_t user = 0;
+  std::uint64_t system = 0;
+  std::uint64_t idle = 0;
+  std::uint64_t nice = 0;
+  bool operator==(const CPUTicks&) const = default;
+};
+
+// One logical processor's counters, tagged with the processor's number so that a processor that
+// goes offline is never compared with its neighbour.
+struct CoreTicks {
+  int cpu = 0;
+  CPUTicks ticks;
+  bool operator==(const CoreTicks&) const = default;
+};
+
+// One read of the CPU counters: the whole machine (absent when the read failed) and each online
+// processor (empty when that read failed).
+struct CPUReading {
+  std::optional<CPUTicks> total;
+  std::vector<CoreTicks> perCore;
+};
+
+// Received and sent bytes summed over the counted interfaces since they came up.
+struct NetTotals {
+  std::uint64_t down = 0;
+  std::uint64_t up = 0;
+  bool operator==(const NetTotals&) const = default;
+};
+
+// The home volume: bytes the user can still write, and its size. Both 0 when unknown.
+struct DiskSpace {
+  std::uint64_t free = 0;
+  std::uint64_t total = 0;
+};
+
+// The platform's cheap whole-machine readers. They never throw and never log: a failed read
+// returns absent/empty/zero and the tick goes on. Called on the monitor's queue only (boot time
+// also on the main thread at start).
+class SystemCounters {
+ public:
+  virtual ~SystemCounters() = default;
+  [[nodiscard]] virtual CPUReading readCPU() = 0;
+  // The breakdown already mapped to app/wired/compressed/cached/free (see each platform).
+  [[nodiscard]] virtual std::optional<MemorySample> readMemory() = 0;
+  [[nodiscard]] virtual std::optional<NetTotals> readNetworkBytes() = 0;
+  [[nodiscard]] virtual DiskSpace readDiskSpace() = 0;
+  // Unix seconds of the last boot.
+  [[nodiscard]] virtual std::optional<double> readBootTime() = 0;
+
+  // The real readers of this platform.
+  static std::unique_ptr<SystemCounters> makePlatform();
+};
+
+// The algorithms shared by every platform: pure functions of previous and current readings.
+namespace SystemCounterMath {
+
+// c - p when the counter grew, else 0: a counter that went backwards contributes nothing.
+[[nodiscard]] double tickDelta(std::uint64_t previous, std::uint64_t current);
+// Busy share of the ticks that passed, 0-100; 0 when no tick passed.
+[[nodiscard]] double cpuUsage(const CPUTicks& previous, const CPUTicks& current);
+[[nodiscard]] inline double coreUsage(const CPUTicks& previous, const CPUTicks& current) {
+  return cpuUsage(previous, current);
+}
+// Pairwise loads, or empty when the set of processors changed (or either read is empty).
+[[nodiscard]] std::vector<double> perCoreUsage(const std::vector<CoreTicks>& previous,
+                                               const std::vector<CoreTicks>& current);
+// Rates from two totals `elapsed` seconds apart: 0 unless elapsed > 0.1 s; a total that went
+// backwards (wrapped, interface gone) gives 0 for that direction.
+[[nodiscard]] NetSample netRates(const NetTotals& previous, const NetTotals& current, double elapsed);
+// Caps every part at total, since no part of physical memory can exceed it.
+[[nodiscard]] MemorySample capToTotal(MemorySample sample);
+
+}  // namespace SystemCounterMath
+
+// Per-tick state of the counters (previous readings), owned by Monitor on its queue.
+class SystemCounterTracker {
+ public:
+  // CPU load: the first tick, and a failed read, report 0; a failed total read keeps prevCPU.
+  CPUSample cpu(const CPUReading& reading);
+  // Network rates: a failed read reports 0 and keeps prevNet.
+  NetSample network(const std::optional<NetTotals>& totals, double elapsed);
+
+  std::optional<CPUTicks> prevCPU;
+  std::vector<CoreTicks> prevPerCore;
+  std::optional<NetTotals> prevNet;
+};
+
+}  // namespace quillmark
