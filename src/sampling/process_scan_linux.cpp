@@ -1,0 +1,1 @@
+// Placeholder so the tree configures; the Linux readers replace it.
