@@ -1,0 +1,272 @@
+#include "sampling/linux/proc_parsers.h"
+
+#include <array>
+#include <cstring>
+
+namespace quillmark::procfs {
+namespace {
+
+// The line at the front of rest (without its '\n'); rest moves past it.
+std::string_view takeLine(std::string_view& rest) {
+  const std::size_t end = rest.find('\n');
+  std::string_view line = rest.substr(0, end);
+  rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+  return line;
+}
+
+void skipBlanks(std::string_view& text) {
+  std::size_t i = 0;
+  while (i < text.size() && (text[i] == ' ' || text[i] == '\t')) ++i;
+  text.remove_prefix(i);
+}
+
+// An unsigned decimal after optional blanks; absent when there is no digit or it overflows.
+std::optional<std::uint64_t> takeNumber(std::string_view& text) {
+  skipBlanks(text);
+  std::uint64_t value = 0;
+  std::size_t i = 0;
+  for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
+    if (__builtin_mul_overflow(value, 10u, &value) ||
+        __builtin_add_overflow(value, static_cast<unsigned>(text[i] - '0'), &value)) {
+      return std::nullopt;
+    }
+  }
+  if (i == 0) return std::nullopt;
+  text.remove_prefix(i);
+  return value;
+}
+
+// Fields are single-space separated after comm; a field that is not there ends the parse.
+bool skipFields(std::string_view& text, int count) {
+  for (int i = 0; i < count; ++i) {
+    const void* space = std::memchr(text.data(), ' ', text.size());
+    if (!space) return false;
+    text.remove_prefix(static_cast<const char*>(space) - text.data() + 1);
+  }
+  return true;
+}
+
+bool addInto(std::uint64_t& sum, std::uint64_t value) { return !__builtin_add_overflow(sum, value, &sum); }
+
+// The columns after a cpu label: user nice system idle iowait irq softirq steal guest guest_nice.
+// Kernels before 2.6 print only the first four; the missing ones count as 0.
+std::optional<CPUTicks> foldCPUColumns(std::string_view columns) {
+  std::array<std::uint64_t, 8> c{};
+  std::size_t count = 0;
+  while (count < c.size()) {
+    auto value = takeNumber(columns);
+    if (!value) break;
+    c[count++] = *value;
+  }
+  if (count < 4) return std::nullopt;
+  CPUTicks ticks;
+  // guest and guest_nice are already inside user and nice, so they are never added.
+  ticks.user = c[0];
+  ticks.nice = c[1];
+  // irq and softirq are work done on the processor. steal is time the hypervisor gave to someone
+  // else while this processor had work: it was not available to be idle, so it counts as busy,
+  // and a starved virtual machine shows as loaded rather than idle.
+  ticks.system = c[2];
+  bool ok = addInto(ticks.system, c[5]) && addInto(ticks.system, c[6]) && addInto(ticks.system, c[7]);
+  // iowait is idle time with I/O outstanding.
+  ticks.idle = c[3];
+  ok = ok && addInto(ticks.idle, c[4]);
+  if (!ok) return std::nullopt;
+  return ticks;
+}
+
+std::optional<std::uint64_t> kibibytes(std::string_view value) {
+  auto number = takeNumber(value);
+  if (!number) return std::nullopt;
+  skipBlanks(value);
+  if (value.substr(0, 2) != "kB") return number;  // a count, not a size
+  std::uint64_t bytes = 0;
+  if (__builtin_mul_overflow(*number, 1024u, &bytes)) return std::nullopt;
+  return bytes;
+}
+
+}  // namespace
+
+ProcStat parseProcStat(std::string_view text) {
+  ProcStat stat;
+  while (!text.empty()) {
+    std::string_view line = takeLine(text);
+    if (line.substr(0, 3) == "cpu") {
+      line.remove_prefix(3);
+      if (!line.empty() && (line[0] == ' ' || line[0] == '\t')) {
+        if (!stat.cpu.total) stat.cpu.total = foldCPUColumns(line);
+        continue;
+      }
+      auto number = takeNumber(line);
+      if (!number || *number > 1'000'000 || line.empty() || line[0] != ' ') continue;
+      if (auto ticks = foldCPUColumns(line)) {
+        stat.cpu.perCore.push_back(CoreTicks{static_cast<int>(*number), *ticks});
+      }
+    } else if (line.substr(0, 6) == "btime ") {
+      line.remove_prefix(6);
+      auto seconds = takeNumber(line);
+      if (seconds && *seconds <= static_cast<std::uint64_t>(INT64_MAX)) {
+        stat.bootTime = static_cast<std::int64_t>(*seconds);
+      }
+    }
+  }
+  return stat;
+}
+
+MemInfo parseMemInfo(std::string_view text) {
+  MemInfo info;
+  struct Key {
+    std::string_view name;
+    std::optional<std::uint64_t> MemInfo::*field;
+  };
+  static constexpr std::array<Key, 9> keys{{
+      {"MemTotal", &MemInfo::memTotal},
+      {"MemFree", &MemInfo::memFree},
+      {"Buffers", &MemInfo::buffers},
+      {"Cached", &MemInfo::cached},
+      {"Shmem", &MemInfo::shmem},
+      {"AnonPages", &MemInfo::anonPages},
+      {"SReclaimable", &MemInfo::sReclaimable},
+      {"KReclaimable", &MemInfo::kReclaimable},
+      {"Zswap", &MemInfo::zswap},
+  }};
+  while (!text.empty()) {
+    const std::string_view line = takeLine(text);
+    const std::size_t colon = line.find(':');
+    if (colon == std::string_view::npos) continue;
+    const std::string_view name = line.substr(0, colon);
+    for (const Key& key : keys) {
+      if (key.name == name) {
+        info.*key.field = kibibytes(line.substr(colon + 1));
+        break;
+      }
+    }
+  }
+  return info;
+}
+
+std::optional<std::uint64_t> parseZramMemUsed(std::string_view text) {
+  // orig_data_size compr_data_size mem_used_total ...
+  for (int i = 0; i < 2; ++i) {
+    if (!takeNumber(text)) return std::nullopt;
+  }
+  return takeNumber(text);
+}
+
+std::vector<NetDevEntry> parseNetDev(std::string_view text) {
+  std::vector<NetDevEntry> entries;
+  while (!text.empty()) {
+    std::string_view line = takeLine(text);
+    // Interface names cannot hold ':', and the two header lines have none.
+    const std::size_t colon = line.find(':');
+    if (colon == std::string_view::npos) continue;
+    std::string_view name = line.substr(0, colon);
+    skipBlanks(name);
+    if (name.empty()) continue;
+    std::string_view columns = line.substr(colon + 1);
+    // rx: bytes packets errs drop fifo frame compressed multicast | tx: bytes ...
+    std::array<std::uint64_t, 9> c{};
+    std::size_t count = 0;
+    while (count < c.size()) {
+      auto value = takeNumber(columns);
+      if (!value) break;
+      c[count++] = *value;
+    }
+    if (count < c.size()) continue;
+    entries.push_back(NetDevEntry{name, c[0], c[8]});
+  }
+  return entries;
+}
+
+std::optional<std::uint64_t> parseHexAttribute(std::string_view text) {
+  skipBlanks(text);
+  if (text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X") text.remove_prefix(2);
+  std::uint64_t value = 0;
+  std::size_t i = 0;
+  for (; i < text.size(); ++i) {
+    const char c = text[i];
+    unsigned digit = 0;
+    if (c >= '0' && c <= '9') {
+      digit = static_cast<unsigned>(c - '0');
+    } else if (c >= 'a' && c <= 'f') {
+      digit = static_cast<unsigned>(c - 'a' + 10);
+    } else if (c >= 'A' && c <= 'F') {
+      digit = static_cast<unsigned>(c - 'A' + 10);
+    } else {
+      break;
+    }
+    if (value > (UINT64_MAX >> 4)) return std::nullopt;
+    value = (value << 4) | digit;
+  }
+  if (i == 0) return std::nullopt;
+  return value;
+}
+
+std::optional<std::uint64_t> parseDecimalAttribute(std::string_view text) { return takeNumber(text); }
+
+std::optional<PidStat> parsePidStat(std::string_view text) {
+  const std::size_t open = text.find('(');
+  const std::size_t close = text.rfind(')');
+  if (open == std::string_view::npos || close == std::string_view::npos || close < open) return std::nullopt;
+  PidStat stat;
+  stat.comm = text.substr(open + 1, close - open - 1);
+  std::string_view rest = text.substr(close + 1);
+  if (rest.empty() || rest[0] != ' ') return std::nullopt;
+  rest.remove_prefix(1);
+  // rest starts at field 3 (state); utime is field 14.
+  if (!skipFields(rest, 11)) return std::nullopt;
+  auto utime = takeNumber(rest);
+  if (!utime || rest.empty() || rest[0] != ' ') return std::nullopt;
+  rest.remove_prefix(1);
+  auto stime = takeNumber(rest);
+  if (!stime || rest.empty() || rest[0] != ' ') return std::nullopt;
+  rest.remove_prefix(1);
+  // rest starts at field 16; rss is field 24.
+  if (!skipFields(rest, 8)) return std::nullopt;
+  auto rss = takeNumber(rest);
+  if (!rss) return std::nullopt;
+  stat.utimeTicks = *utime;
+  stat.stimeTicks = *stime;
+  stat.rssPages = *rss;
+  return stat;
+}
+
+std::string displayName(std::string_view comm) {
+  if (comm.empty()) return "unknown";
+  std::string name;
+  name.reserve(comm.size());
+  std::size_t i = 0;
+  while (i < comm.size()) {
+    const auto lead = static_cast<unsigned char>(comm[i]);
+    std::size_t length = 0;
+    std::uint32_t min = 0;
+    if (lead < 0x80) {
+      length = 1;
+    } else if ((lead & 0xE0) == 0xC0) {
+      length = 2, min = 0x80;
+    } else if ((lead & 0xF0) == 0xE0) {
+      length = 3, min = 0x800;
+    } else if ((lead & 0xF8) == 0xF0) {
+      length = 4, min = 0x10000;
+    }
+    bool valid = length > 0 && i + length <= comm.size();
+    std::uint32_t code = length == 1 ? lead : lead & (0x7Fu >> length);
+    for (std::size_t k = 1; valid && k < length; ++k) {
+      const auto next = static_cast<unsigned char>(comm[i + k]);
+      valid = (next & 0xC0) == 0x80;
+      code = (code << 6) | (next & 0x3Fu);
+    }
+    // Overlong forms, surrogates and values past U+10FFFF are not characters either.
+    valid = valid && code >= min && code <= 0x10FFFF && !(code >= 0xD800 && code <= 0xDFFF);
+    if (valid) {
+      name.append(comm.substr(i, length));
+      i += length;
+    } else {
+      name.append("\xEF\xBF\xBD");
+      ++i;
+    }
+  }
+  return name;
+}
+
+}  // namespace quillmark::procfs
