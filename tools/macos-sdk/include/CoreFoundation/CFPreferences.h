@@ -1,0 +1,15 @@
+// Stub SDK: the user defaults domain through CoreFoundation.
+#pragma once
+#include <CoreFoundation/CFBase.h>
+
+QM_STUB_EXTERN_C_BEGIN
+extern const CFStringRef kCFPreferencesCurrentApplication;
+extern const CFStringRef kCFPreferencesAnyApplication;
+extern const CFStringRef kCFPreferencesCurrentUser;
+extern const CFStringRef kCFPreferencesCurrentHost;
+// +1 or NULL.
+CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applicationID);
+// A NULL value removes the key.
+void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID);
+Boolean CFPreferencesAppSynchronize(CFStringRef applicationID);
+QM_STUB_EXTERN_C_END

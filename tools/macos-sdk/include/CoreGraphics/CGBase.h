@@ -1,0 +1,3 @@
+// Stub SDK: CGFloat (64-bit).
+#pragma once
+typedef double CGFloat;
