@@ -219,16 +219,17 @@ std::optional<PidStat> parsePidStat(std::string_view text) {
   if (!utime || rest.empty() || rest[0] != ' ') return std::nullopt;
   rest.remove_prefix(1);
   auto stime = takeNumber(rest);
-  if (!stime || rest.empty() || rest[0] != ' ') return std::nullopt;
-  rest.remove_prefix(1);
-  // rest starts at field 16; rss is field 24.
-  if (!skipFields(rest, 8)) return std::nullopt;
-  auto rss = takeNumber(rest);
-  if (!rss) return std::nullopt;
+  if (!stime) return std::nullopt;
+  // A file cut right after stime is damaged even though we need nothing further.
+  if (rest.empty() || rest[0] != ' ') return std::nullopt;
   stat.utimeTicks = *utime;
   stat.stimeTicks = *stime;
-  stat.rssPages = *rss;
   return stat;
+}
+
+std::optional<std::uint64_t> parseStatmResident(std::string_view text) {
+  if (!takeNumber(text)) return std::nullopt;
+  return takeNumber(text);
 }
 
 std::string displayName(std::string_view comm) {

@@ -60,10 +60,14 @@ struct PidStat {
   std::string_view comm;
   std::uint64_t utimeTicks = 0;  // field 14
   std::uint64_t stimeTicks = 0;  // field 15
-  std::uint64_t rssPages = 0;    // field 24
 };
 // comm may hold spaces and parentheses, so it runs from the first '(' to the last ')'.
 [[nodiscard]] std::optional<PidStat> parsePidStat(std::string_view text);
+
+// The resident pages of /proc/<pid>/statm (its second field). Not stat's field 24: since the
+// memory counters became per-processor, stat prints the cheap estimate, which can be off by tens
+// of pages per processor, while statm, status and ps show the exact sum.
+[[nodiscard]] std::optional<std::uint64_t> parseStatmResident(std::string_view text);
 
 // comm as a display name: invalid UTF-8 (comm is cut at 15 bytes, possibly inside a character)
 // becomes U+FFFD; an empty comm becomes "unknown".

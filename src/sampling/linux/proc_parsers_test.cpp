@@ -129,7 +129,6 @@ TEST(PidStatParser, TakesCommFromFirstOpenToLastCloseParenthesis) {
   EXPECT_EQ(stat->comm, "a) b (c) d");
   EXPECT_EQ(stat->utimeTicks, 250u);
   EXPECT_EQ(stat->stimeTicks, 75u);  // not cutime/cstime, the reaped children
-  EXPECT_EQ(stat->rssPages, 407u);
 
   const auto empty = parsePidStat("7 ()" + std::string(kTail));
   ASSERT_TRUE(empty);
@@ -140,11 +139,17 @@ TEST(PidStatParser, RejectsTextWithoutEveryNeededField) {
   EXPECT_FALSE(parsePidStat(""));
   EXPECT_FALSE(parsePidStat("5092 bash S 1 2 3"));
   EXPECT_FALSE(parsePidStat("5092 ) bash ( S 1 2 3"));
-  EXPECT_FALSE(
-      parsePidStat("5092 (bash) S 1 5092 4202 0 -1 4194304 100 0 0 0 250 75 9 9 20 0 1 0 65738 3133440"));
+  EXPECT_FALSE(parsePidStat("5092 (bash) S 1 5092 4202 0 -1 4194304 100 0 0 0 250"));
+  EXPECT_FALSE(parsePidStat("5092 (bash) S 1 5092 4202 0 -1 4194304 100 0 0 0 250 75"));
   EXPECT_FALSE(
       parsePidStat("5092 (bash) S 1 5092 4202 0 -1 4194304 100 0 0 0 -250 75 9 9 20 0 1 0 1 2 407\n"));
   EXPECT_FALSE(parsePidStat("5092 (bash)S 1 5092 4202 0 -1 4194304 100 0 0 0 250 75 9 9 20 0 1 0 1 2 407\n"));
+}
+
+TEST(StatmParser, TakesResidentPages) {
+  EXPECT_EQ(parseStatmResident("783 407 334 5 0 86 0\n"), 407u);
+  EXPECT_FALSE(parseStatmResident("783\n"));
+  EXPECT_FALSE(parseStatmResident(""));
 }
 
 TEST(DisplayName, KeepsValidUtf8AndReplacesWhatIsNot) {
