@@ -1,0 +1,43 @@
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include "base/file_util.h"
+#include "settings/l10n.h"
+#include "settings/locale_names.h"
+
+namespace quillmark {
+namespace {
+
+std::string executableDirectory() {
+  char buffer[4096];
+  const ssize_t n = readlink("/proc/self/exe", buffer, sizeof buffer - 1);
+  if (n <= 0) return {};
+  return parentDirectory(std::string(buffer, static_cast<std::size_t>(n)));
+}
+
+bool hasEnglishTable(const std::string& directory) {
+  return !directory.empty() && access((directory + "/en.lproj/Localizable.strings").c_str(), R_OK) == 0;
+}
+
+}  // namespace
+
+std::vector<std::string> systemPreferredLanguages() {
+  return preferredLanguagesFromEnvironment([](const char* name) { return std::getenv(name); });
+}
+
+std::string stringTablesDirectory() {
+  // An installed binary (<prefix>/bin) finds <prefix>/share/quillmark/resources; a binary run from
+  // the build tree falls back to the source tree's folder, whose path is fixed at build time.
+  const std::string exeDir = executableDirectory();
+  const std::string candidates[] = {
+      exeDir.empty() ? std::string() : exeDir + "/../share/quillmark/resources",
+      QM_RESOURCES_DIR,
+  };
+  for (const std::string& candidate : candidates) {
+    if (hasEnglishTable(candidate)) return candidate;
+  }
+  return QM_RESOURCES_DIR;  // missing tables only mean keys are shown as they are
+}
+
+}  // namespace quillmark
