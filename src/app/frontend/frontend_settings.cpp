@@ -1,16 +1,11 @@
 #include "app/frontend/frontend_settings.h"
 
-#include "base/defaults_store.h"
+#include "settings/settings_manager.h"
 
 namespace quillmark {
 
-double frontEndRefreshInterval() {
-  const auto stored = DefaultsStore::shared().getDouble("refreshInterval");
-  // Only the intervals the settings offer are accepted; anything else is a damaged value.
-  if (stored && (*stored == 1.0 || *stored == 2.0 || *stored == 5.0)) return *stored;
-  return 2.0;
-}
+double frontEndRefreshInterval() { return SettingsManager::shared().refreshInterval(); }
 
-bool frontEndShowNetSpeed() { return DefaultsStore::shared().getBool("showNetSpeed").value_or(false); }
+bool frontEndShowNetSpeed() { return SettingsManager::shared().showNetSpeed(); }
 
 }  // namespace quillmark

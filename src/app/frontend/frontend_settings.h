@@ -2,7 +2,8 @@
 
 namespace quillmark {
 
-// The two preferences the terminal front end honours, read from the stored settings.
+// The two preferences the terminal front end honours, from the shared settings store (which has
+// already checked the stored values).
 [[nodiscard]] double frontEndRefreshInterval();
 [[nodiscard]] bool frontEndShowNetSpeed();
 

@@ -1,34 +1,22 @@
 #include "app/frontend/status_text.h"
 
-#include <cstdio>
+#include "settings/format.h"
+#include "settings/l10n.h"
 
 namespace quillmark {
-namespace {
 
-// Rates are decimal (1000-based) and drop the unit suffix to stay narrow in a bar.
-std::string compactRate(double bytesPerSecond) {
-  char buffer[64];
-  if (bytesPerSecond >= 1'000'000) {
-    std::snprintf(buffer, sizeof buffer, "%.1fM", bytesPerSecond / 1'000'000);
-  } else if (bytesPerSecond >= 1000) {
-    std::snprintf(buffer, sizeof buffer, "%.0fK", bytesPerSecond / 1000);
-  } else {
-    std::snprintf(buffer, sizeof buffer, "%.0fB", bytesPerSecond);
+std::string statusText(const CPUSample& cpu, const MemorySample& memory, const NetSample& network,
+                       bool showNetSpeed, const L10n& l10n) {
+  std::string text = L(l10n, "menu.statusText", cpu.total, memory.usageFraction() * 100.0);
+  if (showNetSpeed) {
+    text += "  \u2193" + Format::compactSpeed(network.downBps) + " \u2191" + Format::compactSpeed(network.upBps);
   }
-  return buffer;
+  return text;
 }
-
-}  // namespace
 
 std::string statusText(const CPUSample& cpu, const MemorySample& memory, const NetSample& network,
                        bool showNetSpeed) {
-  char buffer[64];
-  std::snprintf(buffer, sizeof buffer, "CPU %.0f%% MEM %.0f%%", cpu.total, memory.usageFraction() * 100.0);
-  std::string text = buffer;
-  if (showNetSpeed) {
-    text += "  \u2193" + compactRate(network.downBps) + " \u2191" + compactRate(network.upBps);
-  }
-  return text;
+  return statusText(cpu, memory, network, showNetSpeed, L10n::shared());
 }
 
 }  // namespace quillmark
