@@ -13,9 +13,10 @@
 namespace quillmark {
 namespace {
 
-// An interface's up flag is re-read on every eighth read of the totals rather than on each: the
-// extra sysfs read would cost as much as a sixth of the whole tick, and an interface going down
-// only stops contributing bytes that are no longer moving anyway.
+// An interface whose counters moved since the last read is up: a down interface passes no
+// traffic. Only a quiet one has its flags re-read, and only on every eighth read of the totals:
+// a sysfs read per tick would cost a sixth of the whole tick, and a quiet interface adds nothing
+// to the rates whichever way it is judged.
 constexpr std::uint64_t kFlagsRefreshEvery = 8;
 // zram devices are set up at boot (or rarely by hand); looking for new ones every 128 reads keeps
 // the directory walk out of the tick.
@@ -156,10 +157,17 @@ std::optional<NetTotals> LinuxSystemCounters::readNetworkBytes() {
     }
     if (!interface) {
       interface = &interfaces_.emplace_back(makeInterface(entry.name));
-    } else if (refreshFlags && interface->physical) {
-      interface->up = readUp(*interface);
+    } else if (interface->physical) {
+      const bool moved = entry.rxBytes != interface->lastRx || entry.txBytes != interface->lastTx;
+      if (moved) {
+        interface->up = true;
+      } else if (refreshFlags) {
+        interface->up = readUp(*interface);
+      }
     }
     interface->seen = true;
+    interface->lastRx = entry.rxBytes;
+    interface->lastTx = entry.txBytes;
     if (!interface->physical || !interface->up) continue;
     totals.down = saturatingAdd(totals.down, entry.rxBytes);
     totals.up = saturatingAdd(totals.up, entry.txBytes);

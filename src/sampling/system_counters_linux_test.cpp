@@ -136,8 +136,10 @@ TEST(LinuxCPUCounters, TicksGrowAndEveryOnlineProcessorIsListed) {
 TEST(LinuxMemory, BucketsSumToTotalWithZswapAndInitialisedZramOnly) {
   TempTree tree;
   tree.write("proc/meminfo",
-             "MemTotal:  1000 kB\nMemFree:  100 kB\nBuffers:  10 kB\nCached:  300 kB\nAnonPages:  200 kB\n"
-             "Shmem:  50 kB\nKReclaimable:  40 kB\nSReclaimable:  30 kB\nZswap:  20 kB\n");
+             // In the kernel's order, which the parser relies on to stop early.
+             "MemTotal:  1000 kB\nMemFree:  100 kB\nBuffers:  10 kB\nCached:  300 kB\nZswap:  20 kB\n"
+             "AnonPages:  200 kB\nShmem:  50 kB\nKReclaimable:  40 kB\nSReclaimable:  30 kB\n"
+             "Hugetlb:  1000 kB\n");
   tree.write("sys/block/zram0/disksize", "1048576\n");
   tree.write("sys/block/zram0/mm_stat", "40960 10240 15360 0 15360 0 0 0 0\n");
   tree.write("sys/block/zram1/disksize", "0\n");

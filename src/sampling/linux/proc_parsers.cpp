@@ -21,19 +21,32 @@ void skipBlanks(std::string_view& text) {
 }
 
 // An unsigned decimal after optional blanks; absent when there is no digit or it overflows.
+// These run dozens of times per tick, so only the twentieth digit and beyond pay for the check.
 std::optional<std::uint64_t> takeNumber(std::string_view& text) {
   skipBlanks(text);
   std::uint64_t value = 0;
   std::size_t i = 0;
-  for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
-    if (__builtin_mul_overflow(value, 10u, &value) ||
-        __builtin_add_overflow(value, static_cast<unsigned>(text[i] - '0'), &value)) {
+  for (; i < text.size(); ++i) {
+    const auto digit = static_cast<unsigned>(static_cast<unsigned char>(text[i]) - '0');
+    if (digit > 9) break;
+    if (i < 19) {
+      value = value * 10 + digit;
+    } else if (__builtin_mul_overflow(value, 10u, &value) || __builtin_add_overflow(value, digit, &value)) {
       return std::nullopt;
     }
   }
   if (i == 0) return std::nullopt;
   text.remove_prefix(i);
   return value;
+}
+
+// Steps over one blank-separated number without converting it.
+bool skipNumber(std::string_view& text) {
+  skipBlanks(text);
+  std::size_t i = 0;
+  while (i < text.size() && text[i] >= '0' && text[i] <= '9') ++i;
+  text.remove_prefix(i);
+  return i > 0;
 }
 
 // Fields are single-space separated after comm; a field that is not there ends the parse.
@@ -89,6 +102,7 @@ std::optional<std::uint64_t> kibibytes(std::string_view value) {
 
 ProcStat parseProcStat(std::string_view text) {
   ProcStat stat;
+  stat.cpu.perCore.reserve(64);
   while (!text.empty()) {
     std::string_view line = takeLine(text);
     if (line.substr(0, 3) == "cpu") {
@@ -130,7 +144,10 @@ MemInfo parseMemInfo(std::string_view text) {
       {"KReclaimable", &MemInfo::kReclaimable},
       {"Zswap", &MemInfo::zswap},
   }};
-  while (!text.empty()) {
+  // The kernel prints SReclaimable after every other key we use, so the remaining forty-odd lines
+  // are skipped; a kernel that orders them differently only costs a full pass.
+  bool sawLast = false;
+  while (!text.empty() && !sawLast) {
     const std::string_view line = takeLine(text);
     const std::size_t colon = line.find(':');
     if (colon == std::string_view::npos) continue;
@@ -138,6 +155,7 @@ MemInfo parseMemInfo(std::string_view text) {
     for (const Key& key : keys) {
       if (key.name == name) {
         info.*key.field = kibibytes(line.substr(colon + 1));
+        sawLast = key.field == &MemInfo::sReclaimable && info.memTotal && info.memFree && info.anonPages;
         break;
       }
     }
@@ -155,6 +173,7 @@ std::optional<std::uint64_t> parseZramMemUsed(std::string_view text) {
 
 std::vector<NetDevEntry> parseNetDev(std::string_view text) {
   std::vector<NetDevEntry> entries;
+  entries.reserve(16);
   while (!text.empty()) {
     std::string_view line = takeLine(text);
     // Interface names cannot hold ':', and the two header lines have none.
@@ -165,15 +184,12 @@ std::vector<NetDevEntry> parseNetDev(std::string_view text) {
     if (name.empty()) continue;
     std::string_view columns = line.substr(colon + 1);
     // rx: bytes packets errs drop fifo frame compressed multicast | tx: bytes ...
-    std::array<std::uint64_t, 9> c{};
-    std::size_t count = 0;
-    while (count < c.size()) {
-      auto value = takeNumber(columns);
-      if (!value) break;
-      c[count++] = *value;
-    }
-    if (count < c.size()) continue;
-    entries.push_back(NetDevEntry{name, c[0], c[8]});
+    const auto rx = takeNumber(columns);
+    bool ok = rx.has_value();
+    for (int i = 0; ok && i < 7; ++i) ok = skipNumber(columns);
+    const auto tx = ok ? takeNumber(columns) : std::nullopt;
+    if (!tx) continue;
+    entries.push_back(NetDevEntry{name, *rx, *tx});
   }
   return entries;
 }

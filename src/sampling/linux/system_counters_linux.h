@@ -35,6 +35,8 @@ class LinuxSystemCounters final : public SystemCounters {
     bool physical = false;
     bool up = false;
     bool seen = false;
+    std::uint64_t lastRx = 0;
+    std::uint64_t lastTx = 0;
     std::optional<KeptOpenFile> flags;
   };
 
