@@ -2,6 +2,8 @@
 // with the same placeholder types in the same argument order.
 #include <dirent.h>
 
+#include <cstdlib>
+
 #include <map>
 #include <set>
 
@@ -15,7 +17,8 @@
 namespace quillmark {
 namespace {
 
-const std::string kTables = QM_RESOURCES_DIR;
+// QM_STRING_TABLES_DIR points the test at another copy (to try a change before committing it).
+const std::string kTables = std::getenv("QM_STRING_TABLES_DIR") ? std::getenv("QM_STRING_TABLES_DIR") : QM_RESOURCES_DIR;
 
 // The argument types a value expects, by argument number: "@", "d" (any integer: %d %i %u %ld...)
 // or "f" (any floating point). Empty string at an index no placeholder uses. Errors describe
