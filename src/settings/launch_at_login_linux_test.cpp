@@ -102,3 +102,28 @@ TEST(AutostartEntryTest, ExecPathsAreQuotedAndEscaped) {
 
 }  // namespace
 }  // namespace quillmark
+
+namespace quillmark {
+namespace {
+
+// The written entry must satisfy the desktop-entry validator where it is installed
+// (desktop-file-utils); session managers silently skip invalid entries.
+TEST(AutostartEntryTest, WrittenEntriesPassTheValidator) {
+  const char* validator = "/usr/bin/desktop-file-validate";
+  if (access(validator, X_OK) != 0) GTEST_SKIP() << "desktop-file-validate is not installed";
+  const std::string dir = testing::makeTempDirectory();
+  for (const char* program : {"/usr/bin/quillmark", "/home/a b/quill$mark", "/x/100%/q\"x", "/x/back\\slash"}) {
+    XdgAutostartService service(dir + "/quillmark.desktop", program);
+    ASSERT_EQ(service.registerItem(), std::nullopt);
+    const std::string command = std::string(validator) + " '" + dir + "/quillmark.desktop' 2>&1";
+    FILE* pipe = popen(command.c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    std::string output;
+    char buffer[256];
+    while (fgets(buffer, sizeof buffer, pipe)) output += buffer;
+    EXPECT_EQ(pclose(pipe), 0) << program << ": " << output;
+  }
+}
+
+}  // namespace
+}  // namespace quillmark
