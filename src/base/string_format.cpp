@@ -55,12 +55,18 @@ std::optional<Spec> parseSpec(std::string_view f, std::size_t& i) {
   }
   for (; j < f.size(); ++j) {
     const char c = f[j];
-    if (c == '-') spec.leftAlign = true;
-    else if (c == '+') spec.plus = true;
-    else if (c == ' ') spec.space = true;
-    else if (c == '0') spec.zeroPad = true;
-    else if (c == '#') spec.alternate = true;
-    else break;
+    if (c == '-')
+      spec.leftAlign = true;
+    else if (c == '+')
+      spec.plus = true;
+    else if (c == ' ')
+      spec.space = true;
+    else if (c == '0')
+      spec.zeroPad = true;
+    else if (c == '#')
+      spec.alternate = true;
+    else
+      break;
   }
   if (j < f.size() && f[j] == '*') return std::nullopt;
   spec.width = std::min(kMaxWidth, readNumber(f, j, kMaxWidth));
@@ -79,8 +85,8 @@ std::optional<Spec> parseSpec(std::string_view f, std::size_t& i) {
 }
 
 std::size_t codePointCount(std::string_view s) {
-  return static_cast<std::size_t>(
-      std::count_if(s.begin(), s.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+  return static_cast<std::size_t>(std::count_if(
+      s.begin(), s.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
 void appendPadded(std::string& out, std::string_view prefix, std::string_view body, const Spec& spec,
@@ -103,7 +109,8 @@ void appendPadded(std::string& out, std::string_view prefix, std::string_view bo
   }
 }
 
-std::string toDecimal(double value, NumberStyle style, std::chars_format format, std::optional<int> precision) {
+std::string toDecimal(double value, NumberStyle style, std::chars_format format,
+                      std::optional<int> precision) {
   char buffer[512];  // fixed notation of 1e308 with 64 decimals fits
   const auto result = precision ? std::to_chars(buffer, buffer + sizeof buffer, value, format, *precision)
                                 : std::to_chars(buffer, buffer + sizeof buffer, value, format);
@@ -133,10 +140,14 @@ double asDouble(const FormatArg::Value& value) {
 
 void appendString(std::string& out, const FormatArg::Value& value, const Spec& spec, NumberStyle style) {
   std::string text;
-  if (const auto* s = std::get_if<std::string_view>(&value)) text = std::string(*s);
-  else if (const auto* i = std::get_if<std::int64_t>(&value)) text = std::to_string(*i);
-  else if (const auto* u = std::get_if<std::uint64_t>(&value)) text = std::to_string(*u);
-  else text = toDecimal(std::get<double>(value), style, std::chars_format::general, std::nullopt);
+  if (const auto* s = std::get_if<std::string_view>(&value))
+    text = std::string(*s);
+  else if (const auto* i = std::get_if<std::int64_t>(&value))
+    text = std::to_string(*i);
+  else if (const auto* u = std::get_if<std::uint64_t>(&value))
+    text = std::to_string(*u);
+  else
+    text = toDecimal(std::get<double>(value), style, std::chars_format::general, std::nullopt);
   appendPadded(out, {}, text, spec, false);
 }
 
@@ -167,7 +178,9 @@ void appendInteger(std::string& out, const FormatArg::Value& value, const Spec& 
   char buffer[32];
   const auto result = std::to_chars(buffer, buffer + sizeof buffer, magnitude, base);
   std::string digits(buffer, result.ptr);
-  if (c == 'X') std::transform(digits.begin(), digits.end(), digits.begin(), [](char d) { return d >= 'a' ? d - 32 : d; });
+  if (c == 'X')
+    std::transform(digits.begin(), digits.end(), digits.begin(),
+                   [](char d) { return d >= 'a' ? d - 32 : d; });
   if (spec.precision) {
     if (*spec.precision == 0 && magnitude == 0) digits.clear();
     if (digits.size() < static_cast<std::size_t>(*spec.precision)) {
@@ -185,11 +198,16 @@ void appendFloat(std::string& out, const FormatArg::Value& value, const Spec& sp
   if (c == 'e' || c == 'E') format = std::chars_format::scientific;
   if (c == 'g' || c == 'G') format = std::chars_format::general;
   std::string text = toDecimal(std::fabs(number), style, format, spec.precision.value_or(6));
-  if (upper) std::transform(text.begin(), text.end(), text.begin(), [](char d) { return d >= 'a' && d <= 'z' ? d - 32 : d; });
+  if (upper)
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char d) { return d >= 'a' && d <= 'z' ? d - 32 : d; });
   std::string prefix;
-  if (std::signbit(number) && !std::isnan(number)) prefix = "-";
-  else if (spec.plus) prefix = "+";
-  else if (spec.space) prefix = " ";
+  if (std::signbit(number) && !std::isnan(number))
+    prefix = "-";
+  else if (spec.plus)
+    prefix = "+";
+  else if (spec.space)
+    prefix = " ";
   appendPadded(out, prefix, text, spec, std::isfinite(number));
 }
 
@@ -237,7 +255,12 @@ std::string formatString(std::string_view format, std::span<const FormatArg> arg
       case 's':
         appendString(out, value, *spec, style);
         break;
-      case 'f': case 'F': case 'e': case 'E': case 'g': case 'G':
+      case 'f':
+      case 'F':
+      case 'e':
+      case 'E':
+      case 'g':
+      case 'G':
         appendFloat(out, value, *spec, style);
         break;
       default:

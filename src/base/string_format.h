@@ -15,17 +15,17 @@ class FormatArg {
  public:
   using Value = std::variant<std::string_view, std::int64_t, std::uint64_t, double>;
 
-  FormatArg(std::string_view s) : value_(s) {}                   // NOLINT(google-explicit-constructor)
+  FormatArg(std::string_view s) : value_(s) {}                        // NOLINT(google-explicit-constructor)
   FormatArg(const char* s) : value_(std::string_view(s ? s : "")) {}  // NOLINT(google-explicit-constructor)
-  FormatArg(const std::string& s) : value_(std::string_view(s)) {}   // NOLINT(google-explicit-constructor)
-  FormatArg(int v) : value_(std::int64_t{v}) {}                  // NOLINT(google-explicit-constructor)
-  FormatArg(long v) : value_(std::int64_t{v}) {}                 // NOLINT(google-explicit-constructor)
-  FormatArg(long long v) : value_(std::int64_t{v}) {}            // NOLINT(google-explicit-constructor)
-  FormatArg(unsigned v) : value_(std::uint64_t{v}) {}            // NOLINT(google-explicit-constructor)
-  FormatArg(unsigned long v) : value_(std::uint64_t{v}) {}       // NOLINT(google-explicit-constructor)
-  FormatArg(unsigned long long v) : value_(std::uint64_t{v}) {}  // NOLINT(google-explicit-constructor)
-  FormatArg(double v) : value_(v) {}                             // NOLINT(google-explicit-constructor)
-  FormatArg(float v) : value_(double{v}) {}                      // NOLINT(google-explicit-constructor)
+  FormatArg(const std::string& s) : value_(std::string_view(s)) {}    // NOLINT(google-explicit-constructor)
+  FormatArg(int v) : value_(std::int64_t{v}) {}                       // NOLINT(google-explicit-constructor)
+  FormatArg(long v) : value_(std::int64_t{v}) {}                      // NOLINT(google-explicit-constructor)
+  FormatArg(long long v) : value_(std::int64_t{v}) {}                 // NOLINT(google-explicit-constructor)
+  FormatArg(unsigned v) : value_(std::uint64_t{v}) {}                 // NOLINT(google-explicit-constructor)
+  FormatArg(unsigned long v) : value_(std::uint64_t{v}) {}            // NOLINT(google-explicit-constructor)
+  FormatArg(unsigned long long v) : value_(std::uint64_t{v}) {}       // NOLINT(google-explicit-constructor)
+  FormatArg(double v) : value_(v) {}                                  // NOLINT(google-explicit-constructor)
+  FormatArg(float v) : value_(double{v}) {}                           // NOLINT(google-explicit-constructor)
   FormatArg(bool) = delete;  // almost always a mistake; pass an int or a localized word
 
   [[nodiscard]] const Value& value() const { return value_; }

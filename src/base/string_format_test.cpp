@@ -1,10 +1,10 @@
 #include "base/string_format.h"
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <thread>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace quillmark {
 namespace {

@@ -22,8 +22,8 @@ enum class AppLanguage { system, en, zhHans, ja, de, fr, zhHant, es, ko, th };
 
 // In picker order.
 inline constexpr std::array<AppLanguage, 10> kAllAppLanguages = {
-    AppLanguage::system, AppLanguage::en, AppLanguage::zhHans, AppLanguage::ja,     AppLanguage::de,
-    AppLanguage::fr,     AppLanguage::zhHant, AppLanguage::es, AppLanguage::ko, AppLanguage::th};
+    AppLanguage::system, AppLanguage::en,     AppLanguage::zhHans, AppLanguage::ja, AppLanguage::de,
+    AppLanguage::fr,     AppLanguage::zhHant, AppLanguage::es,     AppLanguage::ko, AppLanguage::th};
 
 [[nodiscard]] std::string_view rawValue(AppLanguage language);
 // Absent for an unknown string (the caller falls back to `system`).

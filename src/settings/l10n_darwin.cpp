@@ -55,7 +55,8 @@ std::string stringTablesDirectory() {
   const CFHolder<CFURLRef> url(CFBundleCopyResourcesDirectoryURL(bundle));
   if (!url.get()) return {};
   char path[PATH_MAX];
-  if (!CFURLGetFileSystemRepresentation(url.get(), true, reinterpret_cast<UInt8*>(path), sizeof path)) return {};
+  if (!CFURLGetFileSystemRepresentation(url.get(), true, reinterpret_cast<UInt8*>(path), sizeof path))
+    return {};
   return path;
 }
 

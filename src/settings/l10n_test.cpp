@@ -45,7 +45,8 @@ TEST(AppLanguageTest, RawValuesInPickerOrder) {
   std::vector<std::string_view> raw;
   for (const AppLanguage language : kAllAppLanguages) raw.push_back(rawValue(language));
   EXPECT_THAT(raw, ElementsAre("system", "en", "zh-Hans", "ja", "de", "fr", "zh-Hant", "es", "ko", "th"));
-  for (const AppLanguage language : kAllAppLanguages) EXPECT_EQ(appLanguageFromRaw(rawValue(language)), language);
+  for (const AppLanguage language : kAllAppLanguages)
+    EXPECT_EQ(appLanguageFromRaw(rawValue(language)), language);
   EXPECT_EQ(appLanguageFromRaw("it"), std::nullopt);
   EXPECT_EQ(appLanguageFromRaw("zh-hans"), std::nullopt);
   EXPECT_EQ(displayNameKey(AppLanguage::zhHant), "settings.language.traditionalChinese");

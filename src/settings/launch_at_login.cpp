@@ -6,11 +6,16 @@ namespace quillmark {
 
 std::string LaunchAtLogin::statusText(long status) {
   switch (status) {
-    case LoginItemService::kNotRegistered: return "notRegistered";
-    case LoginItemService::kEnabled: return "enabled";
-    case LoginItemService::kRequiresApproval: return "requiresApproval";
-    case LoginItemService::kNotFound: return "notFound";
-    default: return "unknown";
+    case LoginItemService::kNotRegistered:
+      return "notRegistered";
+    case LoginItemService::kEnabled:
+      return "enabled";
+    case LoginItemService::kRequiresApproval:
+      return "requiresApproval";
+    case LoginItemService::kNotFound:
+      return "notFound";
+    default:
+      return "unknown";
   }
 }
 

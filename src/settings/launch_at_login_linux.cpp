@@ -24,8 +24,10 @@ std::string_view trim(std::string_view s) {
 std::string escapeValue(std::string_view s) {
   std::string out;
   for (const char c : s) {
-    if (c == '\\') out += "\\\\";
-    else out += c;
+    if (c == '\\')
+      out += "\\\\";
+    else
+      out += c;
   }
   return out;
 }
@@ -112,7 +114,8 @@ std::optional<std::string> XdgAutostartService::registerItem() {
   const auto text = entryText(program);
   if (!text) return "the executable path " + program + " cannot be written into an autostart entry";
   const std::string path = entryPath();
-  if (!makeDirectories(parentDirectory(path))) return "cannot create " + parentDirectory(path) + ": " + errnoText();
+  if (!makeDirectories(parentDirectory(path)))
+    return "cannot create " + parentDirectory(path) + ": " + errnoText();
   if (!writeFileAtomically(path, *text, 0644)) return "cannot write " + path + ": " + errnoText();
   return std::nullopt;
 }

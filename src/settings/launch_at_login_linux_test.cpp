@@ -1,10 +1,9 @@
 #include "settings/launch_at_login_linux.h"
 
-#include <stdlib.h>
-#include <sys/stat.h>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/stat.h>
 
 #include "base/file_util.h"
 #include "settings/testing/temp_environment.h"
@@ -92,7 +91,8 @@ TEST_F(AutostartTest, UnwritableFolderReportsFailure) {
 }
 
 TEST(AutostartEntryTest, ExecPathsAreQuotedAndEscaped) {
-  EXPECT_THAT(*XdgAutostartService::entryText("/opt/q/bin/quillmark"), HasSubstr("Exec=/opt/q/bin/quillmark\n"));
+  EXPECT_THAT(*XdgAutostartService::entryText("/opt/q/bin/quillmark"),
+              HasSubstr("Exec=/opt/q/bin/quillmark\n"));
   EXPECT_THAT(*XdgAutostartService::entryText("/home/a b/quill$mark"),
               HasSubstr("Exec=\"/home/a b/quill\\\\$mark\"\n"));
   EXPECT_THAT(*XdgAutostartService::entryText("/x/100%/q"), HasSubstr("Exec=/x/100%%/q\n"));
@@ -112,7 +112,8 @@ TEST(AutostartEntryTest, WrittenEntriesPassTheValidator) {
   const char* validator = "/usr/bin/desktop-file-validate";
   if (access(validator, X_OK) != 0) GTEST_SKIP() << "desktop-file-validate is not installed";
   const std::string dir = testing::makeTempDirectory();
-  for (const char* program : {"/usr/bin/quillmark", "/home/a b/quill$mark", "/x/100%/q\"x", "/x/back\\slash"}) {
+  for (const char* program :
+       {"/usr/bin/quillmark", "/home/a b/quill$mark", "/x/100%/q\"x", "/x/back\\slash"}) {
     XdgAutostartService service(dir + "/quillmark.desktop", program);
     ASSERT_EQ(service.registerItem(), std::nullopt);
     const std::string command = std::string(validator) + " '" + dir + "/quillmark.desktop' 2>&1";

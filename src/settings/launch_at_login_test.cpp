@@ -21,8 +21,8 @@ class LaunchAtLoginTest : public ::testing::Test {
 };
 
 TEST_F(LaunchAtLoginTest, StatusTexts) {
-  const std::pair<long, const char*> cases[] = {
-      {0, "notRegistered"}, {1, "enabled"}, {2, "requiresApproval"}, {3, "notFound"}, {4, "unknown"}, {-1, "unknown"}};
+  const std::pair<long, const char*> cases[] = {{0, "notRegistered"}, {1, "enabled"}, {2, "requiresApproval"},
+                                                {3, "notFound"},      {4, "unknown"}, {-1, "unknown"}};
   for (const auto& [status, text] : cases) {
     items.current = status;
     EXPECT_EQ(launch.statusText(), text);

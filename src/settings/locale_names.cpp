@@ -17,7 +17,8 @@ std::string languageTagFromPosixLocale(std::string_view name) {
   return tag;
 }
 
-std::vector<std::string> preferredLanguagesFromEnvironment(const std::function<const char*(const char*)>& getenv) {
+std::vector<std::string> preferredLanguagesFromEnvironment(
+    const std::function<const char*(const char*)>& getenv) {
   std::string messagesLocale;
   bool messagesLocaleSet = false;
   for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {

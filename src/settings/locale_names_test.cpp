@@ -1,9 +1,9 @@
 #include "settings/locale_names.h"
 
-#include <map>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <map>
 
 namespace quillmark {
 namespace {
@@ -23,7 +23,8 @@ TEST(LocaleNamesTest, PosixNamesBecomeLanguageTags) {
   EXPECT_EQ(languageTagFromPosixLocale("de_DE@euro"), "de-DE");
   EXPECT_EQ(languageTagFromPosixLocale("sr_RS.UTF-8@latin"), "sr-RS");
   EXPECT_EQ(languageTagFromPosixLocale("fr"), "fr");
-  for (const char* none : {"C", "POSIX", "C.UTF-8", "", ".UTF-8"}) EXPECT_EQ(languageTagFromPosixLocale(none), "") << none;
+  for (const char* none : {"C", "POSIX", "C.UTF-8", "", ".UTF-8"})
+    EXPECT_EQ(languageTagFromPosixLocale(none), "") << none;
 }
 
 TEST(LocaleNamesTest, LanguageListComesFirstThenTheMessagesLocale) {
@@ -34,7 +35,8 @@ TEST(LocaleNamesTest, LanguageListComesFirstThenTheMessagesLocale) {
 TEST(LocaleNamesTest, OnlyTheWinningLocaleVariableCounts) {
   EXPECT_THAT(fromEnvironment({{"LC_ALL", "fr_FR.UTF-8"}, {"LC_MESSAGES", "de_DE"}, {"LANG", "ja_JP"}}),
               ElementsAre("fr-FR"));
-  EXPECT_THAT(fromEnvironment({{"LC_ALL", ""}, {"LC_MESSAGES", "de_DE"}, {"LANG", "ja_JP"}}), ElementsAre("de-DE"));
+  EXPECT_THAT(fromEnvironment({{"LC_ALL", ""}, {"LC_MESSAGES", "de_DE"}, {"LANG", "ja_JP"}}),
+              ElementsAre("de-DE"));
   EXPECT_THAT(fromEnvironment({{"LANG", "ko_KR.UTF-8"}}), ElementsAre("ko-KR"));
 }
 
@@ -46,10 +48,22 @@ TEST(LocaleNamesTest, CLocaleMeansNoTranslationEvenWithLanguageSet) {
 
 TEST(LocaleNamesTest, TableCodes) {
   const std::map<std::string, std::optional<std::string>> cases = {
-      {"zh-Hans-CN", "zh-Hans"}, {"zh-CN", "zh-Hans"}, {"zh-SG", "zh-Hans"}, {"zh", "zh-Hans"},
-      {"zh-Hant-HK", "zh-Hant"}, {"zh-TW", "zh-Hant"}, {"zh-HK", "zh-Hant"}, {"zh-MO", std::nullopt},
-      {"ja-JP", "ja"},           {"de-AT", "de"},      {"fr-CA", "fr"},      {"es-419", "es"},
-      {"ko", "ko"},              {"th-TH", "th"},      {"en-GB", "en"},      {"pt-BR", std::nullopt},
+      {"zh-Hans-CN", "zh-Hans"},
+      {"zh-CN", "zh-Hans"},
+      {"zh-SG", "zh-Hans"},
+      {"zh", "zh-Hans"},
+      {"zh-Hant-HK", "zh-Hant"},
+      {"zh-TW", "zh-Hant"},
+      {"zh-HK", "zh-Hant"},
+      {"zh-MO", std::nullopt},
+      {"ja-JP", "ja"},
+      {"de-AT", "de"},
+      {"fr-CA", "fr"},
+      {"es-419", "es"},
+      {"ko", "ko"},
+      {"th-TH", "th"},
+      {"en-GB", "en"},
+      {"pt-BR", std::nullopt},
       {"", std::nullopt},
   };
   for (const auto& [tag, code] : cases) EXPECT_EQ(tableCodeForLanguage(tag), code) << tag;

@@ -21,8 +21,10 @@ class NotificationPermissionSlot final : public NotificationPermission {
  public:
   void setTarget(NotificationPermission* target) { target_ = target; }
   void requestAuthorization(std::function<void(bool granted)> completion) override {
-    if (target_) target_->requestAuthorization(std::move(completion));
-    else completion(true);
+    if (target_)
+      target_->requestAuthorization(std::move(completion));
+    else
+      completion(true);
   }
 
   static NotificationPermissionSlot& shared() {

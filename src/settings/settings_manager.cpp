@@ -54,7 +54,8 @@ SettingsManager::SettingsManager(DefaultsStore& defaults, std::function<void(dou
                     [this](const std::vector<std::string>& v) { defaults_.set("killWhitelist", v); }),
       comfortEnabled(defaults.getBool("comfortEnabled").value_or(false),
                      [this](bool v) { defaults_.set("comfortEnabled", v); }),
-      comfortTargetC(comfortTargetOrDefault(defaults), [this](double v) { defaults_.set("comfortTargetC", v); }),
+      comfortTargetC(comfortTargetOrDefault(defaults),
+                     [this](double v) { defaults_.set("comfortTargetC", v); }),
       refreshInterval(intervalOrDefault(defaults),
                       [this](double v) {
                         defaults_.set("refreshInterval", v);
@@ -66,10 +67,14 @@ SettingsManager::SettingsManager(DefaultsStore& defaults, std::function<void(dou
                    [this](bool v) { defaults_.set("showNetSpeed", v); }),
       hiddenModules(hiddenModulesOrDefault(defaults),
                     [this](const std::set<PanelModule>& v) { storeHiddenModules(v); }),
-      tempUnit(tempUnitOrDefault(defaults), [this](TempUnit v) { defaults_.set("tempUnit", std::string(rawValue(v))); }),
-      alertsEnabled(defaults.getBool("alertsEnabled").value_or(false), [this](bool v) { applyAlertsEnabled(v); }),
-      cpuAlarmThreshold(positiveOr(defaults, "cpuAlarm", 85.0), [this](double v) { defaults_.set("cpuAlarm", v); }),
-      memAlarmThreshold(positiveOr(defaults, "memAlarm", 90.0), [this](double v) { defaults_.set("memAlarm", v); }),
+      tempUnit(tempUnitOrDefault(defaults),
+               [this](TempUnit v) { defaults_.set("tempUnit", std::string(rawValue(v))); }),
+      alertsEnabled(defaults.getBool("alertsEnabled").value_or(false),
+                    [this](bool v) { applyAlertsEnabled(v); }),
+      cpuAlarmThreshold(positiveOr(defaults, "cpuAlarm", 85.0),
+                        [this](double v) { defaults_.set("cpuAlarm", v); }),
+      memAlarmThreshold(positiveOr(defaults, "memAlarm", 90.0),
+                        [this](double v) { defaults_.set("memAlarm", v); }),
       tempAlarmThreshold(positiveOr(defaults, "tempAlarm", 85.0),
                          [this](double v) { defaults_.set("tempAlarm", v); }) {}
 
@@ -110,8 +115,10 @@ bool SettingsManager::isVisible(PanelModule module) const { return !hiddenModule
 
 void SettingsManager::setVisible(PanelModule module, bool visible) {
   std::set<PanelModule> modules = hiddenModules.value();
-  if (visible) modules.erase(module);
-  else modules.insert(module);
+  if (visible)
+    modules.erase(module);
+  else
+    modules.insert(module);
   hiddenModules.set(std::move(modules));
 }
 

@@ -49,19 +49,19 @@ class SettingsManager {
   static SettingsManager& shared();
 
   // In the order they are read at start.
-  Setting<bool> launchAtLogin;                       // not stored; the login item's state
-  Setting<std::vector<std::string>> killWhitelist;   // "killWhitelist", order kept
-  Setting<bool> comfortEnabled;                      // "comfortEnabled"
-  Setting<double> comfortTargetC;                    // "comfortTargetC", 35...42 °C, default 38
-  Setting<double> refreshInterval;                   // "refreshInterval", 1, 2 or 5 s, default 2
-  Setting<MenuBarMode> menuBarMode;                  // "menuBarStyle"
-  Setting<bool> showNetSpeed;                        // "showNetSpeed"
-  Setting<std::set<PanelModule>> hiddenModules;      // "hiddenModules", stored sorted
-  Setting<TempUnit> tempUnit;                        // "tempUnit"
-  Setting<bool> alertsEnabled;                       // "alertsEnabled"
-  Setting<double> cpuAlarmThreshold;                 // "cpuAlarm", percent > 0, default 85
-  Setting<double> memAlarmThreshold;                 // "memAlarm", percent > 0, default 90
-  Setting<double> tempAlarmThreshold;                // "tempAlarm", °C > 0, default 85
+  Setting<bool> launchAtLogin;                      // not stored; the login item's state
+  Setting<std::vector<std::string>> killWhitelist;  // "killWhitelist", order kept
+  Setting<bool> comfortEnabled;                     // "comfortEnabled"
+  Setting<double> comfortTargetC;                   // "comfortTargetC", 35...42 °C, default 38
+  Setting<double> refreshInterval;                  // "refreshInterval", 1, 2 or 5 s, default 2
+  Setting<MenuBarMode> menuBarMode;                 // "menuBarStyle"
+  Setting<bool> showNetSpeed;                       // "showNetSpeed"
+  Setting<std::set<PanelModule>> hiddenModules;     // "hiddenModules", stored sorted
+  Setting<TempUnit> tempUnit;                       // "tempUnit"
+  Setting<bool> alertsEnabled;                      // "alertsEnabled"
+  Setting<double> cpuAlarmThreshold;                // "cpuAlarm", percent > 0, default 85
+  Setting<double> memAlarmThreshold;                // "memAlarm", percent > 0, default 90
+  Setting<double> tempAlarmThreshold;               // "tempAlarm", °C > 0, default 85
 
   [[nodiscard]] bool isVisible(PanelModule module) const;
   void setVisible(PanelModule module, bool visible);

@@ -1,10 +1,10 @@
 #include "settings/settings_manager.h"
 
-#include <memory>
-#include <vector>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
 
 #include "base/file_util.h"
 #include "settings/testing/fakes.h"
@@ -20,11 +20,13 @@ using Strings = std::vector<std::string>;
 class SettingsManagerTest : public ::testing::Test {
  protected:
   std::unique_ptr<SettingsManager> make() {
-    return std::make_unique<SettingsManager>(store, [this](double v) {
-      intervals.push_back(v);
-      storedAtHandOff.push_back(store.getDouble("refreshInterval"));
-    }, permission,
-                                             loginItem);
+    return std::make_unique<SettingsManager>(
+        store,
+        [this](double v) {
+          intervals.push_back(v);
+          storedAtHandOff.push_back(store.getDouble("refreshInterval"));
+        },
+        permission, loginItem);
   }
 
   MemoryDefaultsStore store;

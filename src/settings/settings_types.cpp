@@ -10,7 +10,8 @@ namespace {
 
 constexpr std::array<std::string_view, 2> kMenuBarModeRaw = {"icon", "text"};
 constexpr std::array<std::string_view, 2> kTempUnitRaw = {"celsius", "fahrenheit"};
-constexpr std::array<std::string_view, 6> kPanelModuleRaw = {"gpu", "memory", "network", "thermal", "power", "processes"};
+constexpr std::array<std::string_view, 6> kPanelModuleRaw = {"gpu",     "memory", "network",
+                                                             "thermal", "power",  "processes"};
 constexpr std::array<std::string_view, 2> kPanelSkinRaw = {"glass", "vitals"};
 
 template <class Enum, std::size_t N>
@@ -28,10 +29,16 @@ std::string_view rawValue(TempUnit unit) { return kTempUnitRaw[static_cast<std::
 std::string_view rawValue(PanelModule module) { return kPanelModuleRaw[static_cast<std::size_t>(module)]; }
 std::string_view rawValue(PanelSkin skin) { return kPanelSkinRaw[static_cast<std::size_t>(skin)]; }
 
-std::optional<MenuBarMode> menuBarModeFromRaw(std::string_view raw) { return fromRaw<MenuBarMode>(kMenuBarModeRaw, raw); }
+std::optional<MenuBarMode> menuBarModeFromRaw(std::string_view raw) {
+  return fromRaw<MenuBarMode>(kMenuBarModeRaw, raw);
+}
 std::optional<TempUnit> tempUnitFromRaw(std::string_view raw) { return fromRaw<TempUnit>(kTempUnitRaw, raw); }
-std::optional<PanelModule> panelModuleFromRaw(std::string_view raw) { return fromRaw<PanelModule>(kPanelModuleRaw, raw); }
-std::optional<PanelSkin> panelSkinFromRaw(std::string_view raw) { return fromRaw<PanelSkin>(kPanelSkinRaw, raw); }
+std::optional<PanelModule> panelModuleFromRaw(std::string_view raw) {
+  return fromRaw<PanelModule>(kPanelModuleRaw, raw);
+}
+std::optional<PanelSkin> panelSkinFromRaw(std::string_view raw) {
+  return fromRaw<PanelSkin>(kPanelSkinRaw, raw);
+}
 
 std::string displayName(MenuBarMode mode, const L10n& l10n) {
   return l10n.string(mode == MenuBarMode::icon ? "settings.menubar.icon" : "settings.menubar.text");

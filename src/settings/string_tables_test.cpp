@@ -1,14 +1,12 @@
 // Checks the shipped string tables against English: same keys in the same order, and every value
 // with the same placeholder types in the same argument order.
 #include <dirent.h>
-
-#include <cstdlib>
-
-#include <map>
-#include <set>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <map>
+#include <set>
 
 #include "base/file_util.h"
 #include "settings/l10n.h"
@@ -18,7 +16,8 @@ namespace quillmark {
 namespace {
 
 // QM_STRING_TABLES_DIR points the test at another copy (to try a change before committing it).
-const std::string kTables = std::getenv("QM_STRING_TABLES_DIR") ? std::getenv("QM_STRING_TABLES_DIR") : QM_RESOURCES_DIR;
+const std::string kTables =
+    std::getenv("QM_STRING_TABLES_DIR") ? std::getenv("QM_STRING_TABLES_DIR") : QM_RESOURCES_DIR;
 
 // The argument types a value expects, by argument number: "@", "d" (any integer: %d %i %u %ld...)
 // or "f" (any floating point). Empty string at an index no placeholder uses. Errors describe
@@ -42,7 +41,8 @@ Placeholders placeholdersOf(std::string_view value) {
     std::size_t j = i + 1;
     std::size_t position = 0;
     const std::size_t digits = j;
-    while (j < value.size() && std::isdigit(static_cast<unsigned char>(value[j]))) position = position * 10 + (value[j++] - '0');
+    while (j < value.size() && std::isdigit(static_cast<unsigned char>(value[j])))
+      position = position * 10 + (value[j++] - '0');
     if (j < value.size() && value[j] == '$' && j > digits) {
       ++j;
       positional = true;
@@ -59,10 +59,14 @@ Placeholders placeholdersOf(std::string_view value) {
     while (j < value.size() && value[j] == 'l') length += value[j++];
     const char conversion = j < value.size() ? value[j] : '\0';
     std::string type;
-    if (conversion == '@' && length.empty()) type = "@";
-    else if (conversion == 'd' && length.size() <= 1) type = "d";
-    else if (conversion == 'f' && length.empty()) type = "f";
-    else out.errors.push_back("unsupported placeholder at \"" + std::string(value.substr(i, j + 1 - i)) + "\"");
+    if (conversion == '@' && length.empty())
+      type = "@";
+    else if (conversion == 'd' && length.size() <= 1)
+      type = "d";
+    else if (conversion == 'f' && length.empty())
+      type = "f";
+    else
+      out.errors.push_back("unsupported placeholder at \"" + std::string(value.substr(i, j + 1 - i)) + "\"");
     const std::size_t index = position ? position - 1 : next++;
     if (out.types.size() <= index) out.types.resize(index + 1);
     if (!out.types[index].empty() && out.types[index] != type) {
@@ -128,11 +132,13 @@ TEST_P(LanguageTableTest, MatchesEnglish) {
     const Placeholders expected = placeholdersOf(englishValue);
     const Placeholders actual = placeholdersOf(it->second);
     EXPECT_EQ(actual.types, expected.types)
-        << code << ": " << key << " = \"" << it->second << "\" takes other arguments than English \"" << englishValue << "\"";
+        << code << ": " << key << " = \"" << it->second << "\" takes other arguments than English \""
+        << englishValue << "\"";
     for (const auto& error : actual.errors) ADD_FAILURE() << code << ": " << key << ": " << error;
     translated.erase(it);
   }
-  for (const auto& [key, value] : translated) ADD_FAILURE() << code << " has " << key << ", which English lacks";
+  for (const auto& [key, value] : translated)
+    ADD_FAILURE() << code << " has " << key << ", which English lacks";
   if (translated.empty() && order.size() == englishOrder.size()) {
     EXPECT_EQ(order, englishOrder) << code << ": keys are not in the order of English";
   }
@@ -145,8 +151,9 @@ std::string languageName(const ::testing::TestParamInfo<AppLanguage>& info) {
 }
 
 INSTANTIATE_TEST_SUITE_P(AllTranslations, LanguageTableTest,
-                         ::testing::Values(AppLanguage::zhHans, AppLanguage::ja, AppLanguage::de, AppLanguage::fr,
-                                           AppLanguage::zhHant, AppLanguage::es, AppLanguage::ko, AppLanguage::th),
+                         ::testing::Values(AppLanguage::zhHans, AppLanguage::ja, AppLanguage::de,
+                                           AppLanguage::fr, AppLanguage::zhHant, AppLanguage::es,
+                                           AppLanguage::ko, AppLanguage::th),
                          languageName);
 
 TEST(StringTablesTest, EveryLanguageFolderIsKnown) {

@@ -65,11 +65,16 @@ std::optional<StringsParseError> validateUtf8(std::string_view s) {
     }
     int length = 0;
     std::uint32_t cp = 0;
-    if (c >= 0xC2 && c <= 0xDF) length = 2, cp = c & 0x1F;
-    else if (c >= 0xE0 && c <= 0xEF) length = 3, cp = c & 0x0F;
-    else if (c >= 0xF0 && c <= 0xF4) length = 4, cp = c & 0x07;
-    else return StringsParseError{line, "invalid UTF-8 byte"};
-    if (i + static_cast<std::size_t>(length) > s.size()) return StringsParseError{line, "truncated UTF-8 sequence"};
+    if (c >= 0xC2 && c <= 0xDF)
+      length = 2, cp = c & 0x1F;
+    else if (c >= 0xE0 && c <= 0xEF)
+      length = 3, cp = c & 0x0F;
+    else if (c >= 0xF0 && c <= 0xF4)
+      length = 4, cp = c & 0x07;
+    else
+      return StringsParseError{line, "invalid UTF-8 byte"};
+    if (i + static_cast<std::size_t>(length) > s.size())
+      return StringsParseError{line, "truncated UTF-8 sequence"};
     for (int k = 1; k < length; ++k) {
       const auto next = static_cast<unsigned char>(s[i + static_cast<std::size_t>(k)]);
       if ((next & 0xC0) != 0x80) return StringsParseError{line, "invalid UTF-8 sequence"};
@@ -130,7 +135,8 @@ class Parser {
  private:
   StringsFile fail(StringsFile& file, std::string message = {}) {
     file.entries.clear();
-    file.error = StringsParseError{errorLine_ ? errorLine_ : line_, message.empty() ? error_ : std::move(message)};
+    file.error =
+        StringsParseError{errorLine_ ? errorLine_ : line_, message.empty() ? error_ : std::move(message)};
     return std::move(file);
   }
   bool setError(std::string message, int line = 0) {
@@ -166,7 +172,8 @@ class Parser {
     if (i_ >= s_.size()) return setError(std::string("expected ") + what + ", found the end of the file");
     if (s_[i_] == '"') return readQuoted(out);
     if (!isUnquotedChar(s_[i_])) {
-      return setError(std::string("expected ") + what + " in double quotes, found '" + describeChar(s_[i_]) + "'");
+      return setError(std::string("expected ") + what + " in double quotes, found '" + describeChar(s_[i_]) +
+                      "'");
     }
     while (i_ < s_.size() && isUnquotedChar(s_[i_])) out += s_[i_++];
     return true;
@@ -201,17 +208,41 @@ class Parser {
     if (i_ >= s_.size()) return setError("'\\' at the end of the file");
     const char c = s_[i_++];
     switch (c) {
-      case '"': case '\\': case '\'': out += c; return true;
-      case 'n': out += '\n'; return true;
-      case 't': out += '\t'; return true;
-      case 'r': out += '\r'; return true;
-      case 'a': out += '\a'; return true;
-      case 'b': out += '\b'; return true;
-      case 'f': out += '\f'; return true;
-      case 'v': out += '\v'; return true;
-      case '\n': ++line_; out += '\n'; return true;  // a backslash-newline keeps the newline
-      case 'U': case 'u': return readUnicodeEscape(out);
-      default: break;
+      case '"':
+      case '\\':
+      case '\'':
+        out += c;
+        return true;
+      case 'n':
+        out += '\n';
+        return true;
+      case 't':
+        out += '\t';
+        return true;
+      case 'r':
+        out += '\r';
+        return true;
+      case 'a':
+        out += '\a';
+        return true;
+      case 'b':
+        out += '\b';
+        return true;
+      case 'f':
+        out += '\f';
+        return true;
+      case 'v':
+        out += '\v';
+        return true;
+      case '\n':
+        ++line_;
+        out += '\n';
+        return true;  // a backslash-newline keeps the newline
+      case 'U':
+      case 'u':
+        return readUnicodeEscape(out);
+      default:
+        break;
     }
     if (c >= '0' && c <= '7') {
       std::uint32_t value = static_cast<std::uint32_t>(c - '0');

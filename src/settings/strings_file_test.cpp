@@ -33,11 +33,10 @@ TEST(StringsFileTest, EntriesCommentsAndWhitespace) {
       "\"same\";\n"
       "unquoted.key = plain-value;\n");
   ASSERT_TRUE(file.ok()) << file.error->describe();
-  EXPECT_EQ(file.entries, (std::vector<Entry>{{"a.b", "One"},
-                                              {"c", "Two"},
-                                              {"d", "Three"},
-                                              {"same", "same"},
-                                              {"unquoted.key", "plain-value"}}));
+  EXPECT_EQ(
+      file.entries,
+      (std::vector<Entry>{
+          {"a.b", "One"}, {"c", "Two"}, {"d", "Three"}, {"same", "same"}, {"unquoted.key", "plain-value"}}));
 }
 
 TEST(StringsFileTest, EmptyAndCommentOnlyInputsHaveNoEntries) {
@@ -54,7 +53,7 @@ TEST(StringsFileTest, Escapes) {
   EXPECT_EQ(valueOf(R"("k" = "\U00e9\u00E9";)"), "éé");
   EXPECT_EQ(valueOf(R"("k" = "\U2193 \U2191";)"), "↓ ↑");
   EXPECT_EQ(valueOf(R"("k" = "\UD83D\UDE00";)"), "\xF0\x9F\x98\x80");  // a surrogate pair
-  EXPECT_EQ(valueOf("\"k\" = \"CPU %1$.0f%%\";"), "CPU %1$.0f%%");  // placeholders stay as written
+  EXPECT_EQ(valueOf("\"k\" = \"CPU %1$.0f%%\";"), "CPU %1$.0f%%");     // placeholders stay as written
   EXPECT_EQ(valueOf("\"k\" = \"two\nlines\";"), "two\nlines");
 }
 
@@ -116,14 +115,13 @@ TEST(StringsFileTest, Utf16WithByteOrderMark) {
     ASSERT_EQ(file.entries.size(), 1u);
     EXPECT_EQ(file.entries[0].second, "Größe 😀");
   }
-  EXPECT_THAT(errorOf(utf16(u"\"k\" = \"x\";", false) + std::string(1, '\0')).message, HasSubstr("odd number"));
+  EXPECT_THAT(errorOf(utf16(u"\"k\" = \"x\";", false) + std::string(1, '\0')).message,
+              HasSubstr("odd number"));
   const std::u16string lone = {u'"', u'k', u'"', u';', 0xD800, u'\n'};
   EXPECT_THAT(errorOf(utf16(lone, false)).message, HasSubstr("unpaired"));
 }
 
-TEST(StringsFileTest, Utf8ByteOrderMarkIsSkipped) {
-  EXPECT_EQ(valueOf("\xEF\xBB\xBF\"k\" = \"v\";"), "v");
-}
+TEST(StringsFileTest, Utf8ByteOrderMarkIsSkipped) { EXPECT_EQ(valueOf("\xEF\xBB\xBF\"k\" = \"v\";"), "v"); }
 
 TEST(StringsFileTest, ArbitraryBytesNeverCrash) {
   std::string bytes;

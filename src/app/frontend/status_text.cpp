@@ -9,7 +9,8 @@ std::string statusText(const CPUSample& cpu, const MemorySample& memory, const N
                        bool showNetSpeed, const L10n& l10n) {
   std::string text = L(l10n, "menu.statusText", cpu.total, memory.usageFraction() * 100.0);
   if (showNetSpeed) {
-    text += "  \u2193" + Format::compactSpeed(network.downBps) + " \u2191" + Format::compactSpeed(network.upBps);
+    text +=
+        "  \u2193" + Format::compactSpeed(network.downBps) + " \u2191" + Format::compactSpeed(network.upBps);
   }
   return text;
 }

@@ -20,8 +20,10 @@ class FakePermission final : public NotificationPermission {
 
   void requestAuthorization(std::function<void(bool)> completion) override {
     ++requests;
-    if (answerLater) pending.push_back(std::move(completion));
-    else completion(answer);
+    if (answerLater)
+      pending.push_back(std::move(completion));
+    else
+      completion(answer);
   }
 };
 

@@ -1,11 +1,10 @@
 #include "settings/testing/temp_environment.h"
 
+#include <gtest/gtest.h>
 #include <stdlib.h>
 
 #include <atomic>
 #include <string>
-
-#include <gtest/gtest.h>
 
 #include "base/file_util.h"
 
