@@ -14,13 +14,13 @@ namespace quillmark {
 namespace {
 
 // An interface whose counters moved since the last read is up: a down interface passes no
-// traffic. Only a quiet one has its flags re-read, and only on every eighth read of the totals:
+// traffic. Only a quiet one has its flags re-read, and only on every sixteenth read of the totals:
 // a sysfs read per tick would cost a sixth of the whole tick, and a quiet interface adds nothing
 // to the rates whichever way it is judged.
-constexpr std::uint64_t kFlagsRefreshEvery = 8;
-// zram devices are set up at boot (or rarely by hand); looking for new ones every 128 reads keeps
+constexpr std::uint64_t kFlagsRefreshEvery = 16;
+// zram devices are set up at boot (or rarely by hand); looking for new ones every 512 reads keeps
 // the directory walk out of the tick.
-constexpr std::uint64_t kZramRescanEvery = 128;
+constexpr std::uint64_t kZramRescanEvery = 512;
 constexpr std::uint64_t kIffUp = 0x1;
 
 std::uint64_t saturatingAdd(std::uint64_t a, std::uint64_t b) {
@@ -50,7 +50,7 @@ LinuxSystemCounters::LinuxSystemCounters(std::string root)
 CPUReading LinuxSystemCounters::readCPU() {
   auto text = stat_.read();
   if (!text) return {};
-  return procfs::parseProcStat(*text).cpu;
+  return procfs::parseProcStatCPU(*text);
 }
 
 std::optional<MemorySample> LinuxSystemCounters::memorySample(const procfs::MemInfo& info,

@@ -9,8 +9,8 @@
 namespace quillmark {
 namespace {
 
-// Large enough for /proc/stat on a few hundred processors; grown if a file is bigger.
-constexpr std::size_t kInitialBuffer = 16 * 1024;
+// Large enough for every file read per tick on a small machine; grown if a file is bigger.
+constexpr std::size_t kInitialBuffer = 4 * 1024;
 // No file these readers take is anywhere near this; past it the content is not trusted.
 constexpr std::size_t kMaxBuffer = 4 * 1024 * 1024;
 

@@ -100,28 +100,47 @@ std::optional<std::uint64_t> kibibytes(std::string_view value) {
 
 }  // namespace
 
+namespace {
+
+// Adds a `cpu` or `cpuN` line to reading; false when the line is not a cpu line at all.
+bool addCPULine(std::string_view line, CPUReading& reading) {
+  if (line.substr(0, 3) != "cpu") return false;
+  line.remove_prefix(3);
+  if (!line.empty() && (line[0] == ' ' || line[0] == '\t')) {
+    if (!reading.total) reading.total = foldCPUColumns(line);
+    return true;
+  }
+  auto number = takeNumber(line);
+  if (!number || *number > 1'000'000 || line.empty() || line[0] != ' ') return true;
+  if (auto ticks = foldCPUColumns(line))
+    reading.perCore.push_back(CoreTicks{static_cast<int>(*number), *ticks});
+  return true;
+}
+
+}  // namespace
+
+CPUReading parseProcStatCPU(std::string_view text) {
+  CPUReading reading;
+  reading.perCore.reserve(64);
+  bool inBlock = false;
+  while (!text.empty()) {
+    const bool isCPU = addCPULine(takeLine(text), reading);
+    if (inBlock && !isCPU) break;
+    inBlock = isCPU;
+  }
+  return reading;
+}
+
 ProcStat parseProcStat(std::string_view text) {
   ProcStat stat;
   stat.cpu.perCore.reserve(64);
   while (!text.empty()) {
     std::string_view line = takeLine(text);
-    if (line.substr(0, 3) == "cpu") {
-      line.remove_prefix(3);
-      if (!line.empty() && (line[0] == ' ' || line[0] == '\t')) {
-        if (!stat.cpu.total) stat.cpu.total = foldCPUColumns(line);
-        continue;
-      }
-      auto number = takeNumber(line);
-      if (!number || *number > 1'000'000 || line.empty() || line[0] != ' ') continue;
-      if (auto ticks = foldCPUColumns(line)) {
-        stat.cpu.perCore.push_back(CoreTicks{static_cast<int>(*number), *ticks});
-      }
-    } else if (line.substr(0, 6) == "btime ") {
-      line.remove_prefix(6);
-      auto seconds = takeNumber(line);
-      if (seconds && *seconds <= static_cast<std::uint64_t>(INT64_MAX)) {
-        stat.bootTime = static_cast<std::int64_t>(*seconds);
-      }
+    if (addCPULine(line, stat.cpu) || line.substr(0, 6) != "btime ") continue;
+    line.remove_prefix(6);
+    auto seconds = takeNumber(line);
+    if (seconds && *seconds <= static_cast<std::uint64_t>(INT64_MAX)) {
+      stat.bootTime = static_cast<std::int64_t>(*seconds);
     }
   }
   return stat;
@@ -144,20 +163,24 @@ MemInfo parseMemInfo(std::string_view text) {
       {"KReclaimable", &MemInfo::kReclaimable},
       {"Zswap", &MemInfo::zswap},
   }};
-  // The kernel prints SReclaimable after every other key we use, so the remaining forty-odd lines
-  // are skipped; a kernel that orders them differently only costs a full pass.
-  bool sawLast = false;
-  while (!text.empty() && !sawLast) {
-    const std::string_view line = takeLine(text);
-    const std::size_t colon = line.find(':');
-    if (colon == std::string_view::npos) continue;
-    const std::string_view name = line.substr(0, colon);
+  // Every kernel prints SReclaimable after all the other keys we use (Zswap, the newest, comes
+  // before AnonPages), so the forty-odd lines after it are not looked at. Lines are short, so a
+  // plain loop finds the colon and the line's end faster than two memchr calls would.
+  const std::size_t size = text.size();
+  std::size_t i = 0;
+  while (i < size) {
+    const std::size_t start = i;
+    while (i < size && text[i] != ':' && text[i] != '\n') ++i;
+    const std::string_view name = text.substr(start, i - start);
+    const std::size_t valueStart = i + 1;
+    while (i < size && text[i] != '\n') ++i;
+    ++i;
+    if (valueStart > i - 1) continue;  // no colon on this line
     for (const Key& key : keys) {
-      if (key.name == name) {
-        info.*key.field = kibibytes(line.substr(colon + 1));
-        sawLast = key.field == &MemInfo::sReclaimable && info.memTotal && info.memFree && info.anonPages;
-        break;
-      }
+      if (key.name != name) continue;
+      info.*key.field = kibibytes(text.substr(valueStart, i - 1 - valueStart));
+      if (key.field == &MemInfo::sReclaimable) return info;
+      break;
     }
   }
   return info;

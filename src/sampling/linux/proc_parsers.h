@@ -21,6 +21,8 @@ struct ProcStat {
   std::optional<std::int64_t> bootTime;  // Unix seconds, whole
 };
 [[nodiscard]] ProcStat parseProcStat(std::string_view text);
+// The same cpu lines alone: stops at the first line after them and spares the long intr line.
+[[nodiscard]] CPUReading parseProcStatCPU(std::string_view text);
 
 // The /proc/meminfo keys the memory breakdown uses, in bytes; absent when the kernel does not
 // print the key (it depends on version and configuration) or its value is malformed.
