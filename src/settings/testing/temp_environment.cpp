@@ -7,39 +7,28 @@
 #include <string>
 
 #include "base/file_util.h"
+#include "base/paths.h"
 
 namespace quillmark::testing {
 namespace {
 
-std::string makeRoot() {
-  char pattern[] = "/tmp/quillmark-settings-test-XXXXXX";
-  const char* root = mkdtemp(pattern);
-  if (!root) std::abort();
-  // Set before main(): the shared log and defaults read these on first use.
-  setenv("XDG_STATE_HOME", (std::string(root) + "/state").c_str(), 1);
-  setenv("XDG_CONFIG_HOME", (std::string(root) + "/config").c_str(), 1);
-  return root;
-}
-
+// The test main has already pointed the XDG folders at a private temporary home; scratch folders
+// live beside them so the whole run is removed together.
 const std::string& root() {
-  static const std::string path = makeRoot();
+  static const std::string path = parentDirectory(std::getenv("XDG_STATE_HOME"));
   return path;
 }
-
-// Forces the environment to be set during static initialisation of the test binary.
-const bool kRootReady = !root().empty();
 
 }  // namespace
 
 std::string makeTempDirectory() {
   static std::atomic<int> counter{0};
-  (void)kRootReady;
   const std::string path = root() + "/t" + std::to_string(counter++);
   if (!makeDirectories(path)) ADD_FAILURE() << "cannot create " << path;
   return path;
 }
 
-std::string testLogPath() { return root() + "/state/quillmark/Quillmark.log"; }
+std::string testLogPath() { return logFilePath(); }
 
 void writeTestFile(const std::string& path, const std::string& contents) {
   ASSERT_TRUE(makeDirectories(parentDirectory(path))) << path;
