@@ -121,7 +121,7 @@ bool addCPULine(std::string_view line, CPUReading& reading) {
 
 CPUReading parseProcStatCPU(std::string_view text) {
   CPUReading reading;
-  reading.perCore.reserve(64);
+  reading.perCore.reserve(16);  // small enough for malloc's fast path; bigger machines grow it
   bool inBlock = false;
   while (!text.empty()) {
     const bool isCPU = addCPULine(takeLine(text), reading);
@@ -133,7 +133,7 @@ CPUReading parseProcStatCPU(std::string_view text) {
 
 ProcStat parseProcStat(std::string_view text) {
   ProcStat stat;
-  stat.cpu.perCore.reserve(64);
+  stat.cpu.perCore.reserve(16);
   while (!text.empty()) {
     std::string_view line = takeLine(text);
     if (addCPULine(line, stat.cpu) || line.substr(0, 6) != "btime ") continue;
