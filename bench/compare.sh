@@ -48,12 +48,15 @@ ratio() { awk -v a="$1" -v b="$2" 'BEGIN { if (b > 0) printf "%.2f", a / b; else
 
 rows=()
 measure() {
-  local label=$1 csv
+  local label=$1 json
   # Repetitions interleaved at random, so a change in the machine's load hits every case alike.
-  csv=$("$BENCH" --benchmark_repetitions="${REPS:-12}" --benchmark_enable_random_interleaving=true \
-    --benchmark_min_time=0.2 --benchmark_report_aggregates_only=true \
-    --benchmark_format=csv 2>/dev/null)
-  median() { awk -F, -v name="\"$1_median\"" '$1 == name { printf "%.1f", $3 }' <<<"$csv"; }
+  json=$("$BENCH" --benchmark_repetitions="${REPS:-12}" --benchmark_enable_random_interleaving=true \
+    --benchmark_min_time=0.2 --benchmark_report_aggregates_only=true --benchmark_format=json)
+  # Google Benchmark prints one field per line: "name": "...", later "real_time": ...
+  median() {
+    awk -v name="\"$1_median\"," '$1 == "\"name\":" { current = $2 }
+      $1 == "\"real_time\":" && current == name { sub(/,$/, "", $2); printf "%.1f", $2 }' <<<"$json"
+  }
   local scan floor orc tick tickFloor ps_us top_us processes
   scan=$(median BM_OurScan)
   floor=$(median BM_FloorScan)
