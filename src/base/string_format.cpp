@@ -12,7 +12,7 @@ constexpr int kMaxWidth = 256;
 constexpr int kMaxPrecision = 64;
 constexpr int kMaxPosition = 9999;
 
-struct Spec {
+struct Placeholder {
   int position = 0;  // 1-based; 0 = plain
   bool leftAlign = false;
   bool plus = false;
@@ -37,15 +37,15 @@ int readNumber(std::string_view s, std::size_t& i, int cap) {
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Parses the placeholder that starts after the '%' at index i. On success i is just past it.
-std::optional<Spec> parseSpec(std::string_view f, std::size_t& i) {
-  Spec spec;
+std::optional<Placeholder> parsePlaceholder(std::string_view f, std::size_t& i) {
+  Placeholder ph;
   std::size_t j = i;
   if (j < f.size() && isDigit(f[j]) && f[j] != '0') {
     const std::size_t start = j;
     const int n = readNumber(f, j, kMaxPosition);
     if (j < f.size() && f[j] == '$') {
       if (n > kMaxPosition) return std::nullopt;
-      spec.position = n;
+      ph.position = n;
       ++j;
     } else {
       j = start;  // it was a width
@@ -56,32 +56,32 @@ std::optional<Spec> parseSpec(std::string_view f, std::size_t& i) {
   for (; j < f.size(); ++j) {
     const char c = f[j];
     if (c == '-')
-      spec.leftAlign = true;
+      ph.leftAlign = true;
     else if (c == '+')
-      spec.plus = true;
+      ph.plus = true;
     else if (c == ' ')
-      spec.space = true;
+      ph.space = true;
     else if (c == '0')
-      spec.zeroPad = true;
+      ph.zeroPad = true;
     else if (c == '#')
-      spec.alternate = true;
+      ph.alternate = true;
     else
       break;
   }
   if (j < f.size() && f[j] == '*') return std::nullopt;
-  spec.width = std::min(kMaxWidth, readNumber(f, j, kMaxWidth));
+  ph.width = std::min(kMaxWidth, readNumber(f, j, kMaxWidth));
   if (j < f.size() && f[j] == '.') {
     ++j;
     if (j < f.size() && f[j] == '*') return std::nullopt;
-    spec.precision = std::min(kMaxPrecision, readNumber(f, j, kMaxPrecision));
+    ph.precision = std::min(kMaxPrecision, readNumber(f, j, kMaxPrecision));
   }
   while (j < f.size() && std::string_view("hlqLzjt").find(f[j]) != std::string_view::npos) ++j;
   if (j >= f.size()) return std::nullopt;
   const char conversion = f[j];
   if (std::string_view("@sdiuxXofFeEgG").find(conversion) == std::string_view::npos) return std::nullopt;
-  spec.conversion = conversion;
+  ph.conversion = conversion;
   i = j + 1;
-  return spec;
+  return ph;
 }
 
 std::size_t codePointCount(std::string_view s) {
@@ -89,16 +89,16 @@ std::size_t codePointCount(std::string_view s) {
       s.begin(), s.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
-void appendPadded(std::string& out, std::string_view prefix, std::string_view body, const Spec& spec,
+void appendPadded(std::string& out, std::string_view prefix, std::string_view body, const Placeholder& ph,
                   bool zeroPadAllowed) {
   const std::size_t length = prefix.size() + codePointCount(body);
-  const std::size_t width = static_cast<std::size_t>(spec.width);
+  const std::size_t width = static_cast<std::size_t>(ph.width);
   const std::size_t pad = width > length ? width - length : 0;
-  if (spec.leftAlign) {
+  if (ph.leftAlign) {
     out += prefix;
     out += body;
     out.append(pad, ' ');
-  } else if (spec.zeroPad && zeroPadAllowed) {
+  } else if (ph.zeroPad && zeroPadAllowed) {
     out += prefix;
     out.append(pad, '0');
     out += body;
@@ -138,7 +138,7 @@ double asDouble(const FormatArg::Value& value) {
   return 0.0;
 }
 
-void appendString(std::string& out, const FormatArg::Value& value, const Spec& spec, NumberStyle style) {
+void appendString(std::string& out, const FormatArg::Value& value, const Placeholder& ph, NumberStyle style) {
   std::string text;
   if (const auto* s = std::get_if<std::string_view>(&value))
     text = std::string(*s);
@@ -148,10 +148,10 @@ void appendString(std::string& out, const FormatArg::Value& value, const Spec& s
     text = std::to_string(*u);
   else
     text = toDecimal(std::get<double>(value), style, std::chars_format::general, std::nullopt);
-  appendPadded(out, {}, text, spec, false);
+  appendPadded(out, {}, text, ph, false);
 }
 
-void appendInteger(std::string& out, const FormatArg::Value& value, const Spec& spec) {
+void appendInteger(std::string& out, const FormatArg::Value& value, const Placeholder& ph) {
   const auto number = asInteger(value);
   const bool negative = std::holds_alternative<std::int64_t>(number) && std::get<std::int64_t>(number) < 0;
   std::uint64_t magnitude = 0;
@@ -162,17 +162,17 @@ void appendInteger(std::string& out, const FormatArg::Value& value, const Spec& 
   }
   int base = 10;
   std::string prefix;
-  const char c = spec.conversion;
+  const char c = ph.conversion;
   if (c == 'x' || c == 'X' || c == 'o') {
     base = c == 'o' ? 8 : 16;
     // Hex and octal show the 64-bit pattern, as printf does for a negative value.
     if (negative) magnitude = static_cast<std::uint64_t>(std::get<std::int64_t>(number));
-    if (spec.alternate && magnitude != 0) prefix = c == 'o' ? "0" : (c == 'x' ? "0x" : "0X");
+    if (ph.alternate && magnitude != 0) prefix = c == 'o' ? "0" : (c == 'x' ? "0x" : "0X");
   } else if (negative) {
     prefix = "-";
-  } else if (spec.plus) {
+  } else if (ph.plus) {
     prefix = "+";
-  } else if (spec.space) {
+  } else if (ph.space) {
     prefix = " ";
   }
   char buffer[32];
@@ -181,34 +181,34 @@ void appendInteger(std::string& out, const FormatArg::Value& value, const Spec& 
   if (c == 'X')
     std::transform(digits.begin(), digits.end(), digits.begin(),
                    [](char d) { return d >= 'a' ? d - 32 : d; });
-  if (spec.precision) {
-    if (*spec.precision == 0 && magnitude == 0) digits.clear();
-    if (digits.size() < static_cast<std::size_t>(*spec.precision)) {
-      digits.insert(0, static_cast<std::size_t>(*spec.precision) - digits.size(), '0');
+  if (ph.precision) {
+    if (*ph.precision == 0 && magnitude == 0) digits.clear();
+    if (digits.size() < static_cast<std::size_t>(*ph.precision)) {
+      digits.insert(0, static_cast<std::size_t>(*ph.precision) - digits.size(), '0');
     }
   }
-  appendPadded(out, prefix, digits, spec, !spec.precision);
+  appendPadded(out, prefix, digits, ph, !ph.precision);
 }
 
-void appendFloat(std::string& out, const FormatArg::Value& value, const Spec& spec, NumberStyle style) {
+void appendFloat(std::string& out, const FormatArg::Value& value, const Placeholder& ph, NumberStyle style) {
   const double number = asDouble(value);
-  const char c = spec.conversion;
+  const char c = ph.conversion;
   const bool upper = c == 'F' || c == 'E' || c == 'G';
   std::chars_format format = std::chars_format::fixed;
   if (c == 'e' || c == 'E') format = std::chars_format::scientific;
   if (c == 'g' || c == 'G') format = std::chars_format::general;
-  std::string text = toDecimal(std::fabs(number), style, format, spec.precision.value_or(6));
+  std::string text = toDecimal(std::fabs(number), style, format, ph.precision.value_or(6));
   if (upper)
     std::transform(text.begin(), text.end(), text.begin(),
                    [](char d) { return d >= 'a' && d <= 'z' ? d - 32 : d; });
   std::string prefix;
   if (std::signbit(number) && !std::isnan(number))
     prefix = "-";
-  else if (spec.plus)
+  else if (ph.plus)
     prefix = "+";
-  else if (spec.space)
+  else if (ph.space)
     prefix = " ";
-  appendPadded(out, prefix, text, spec, std::isfinite(number));
+  appendPadded(out, prefix, text, ph, std::isfinite(number));
 }
 
 }  // namespace
@@ -237,23 +237,23 @@ std::string formatString(std::string_view format, std::span<const FormatArg> arg
       continue;
     }
     std::size_t end = percent + 1;
-    const std::optional<Spec> spec = parseSpec(format, end);
-    if (!spec) {
+    const std::optional<Placeholder> ph = parsePlaceholder(format, end);
+    if (!ph) {
       out += '%';  // the rest is copied as ordinary text
       i = percent + 1;
       continue;
     }
-    const std::size_t index = spec->position > 0 ? static_cast<std::size_t>(spec->position - 1) : nextPlain++;
+    const std::size_t index = ph->position > 0 ? static_cast<std::size_t>(ph->position - 1) : nextPlain++;
     i = end;
     if (index >= args.size()) {
       out += format.substr(percent, end - percent);
       continue;
     }
     const FormatArg::Value& value = args[index].value();
-    switch (spec->conversion) {
+    switch (ph->conversion) {
       case '@':
       case 's':
-        appendString(out, value, *spec, style);
+        appendString(out, value, *ph, style);
         break;
       case 'f':
       case 'F':
@@ -261,10 +261,10 @@ std::string formatString(std::string_view format, std::span<const FormatArg> arg
       case 'E':
       case 'g':
       case 'G':
-        appendFloat(out, value, *spec, style);
+        appendFloat(out, value, *ph, style);
         break;
       default:
-        appendInteger(out, value, *spec);
+        appendInteger(out, value, *ph);
         break;
     }
   }
