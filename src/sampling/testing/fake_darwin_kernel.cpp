@@ -140,20 +140,20 @@ int getifaddrs(struct ifaddrs** list) {
   owner->addresses.resize(n);
   owner->data.resize(n);
   for (std::size_t i = 0; i < n; ++i) {
-    const auto& spec = k.interfaces[i];
-    owner->names.push_back(spec.name);
+    const auto& scripted = k.interfaces[i];
+    owner->names.push_back(scripted.name);
     owner->addresses[i] = sockaddr{};
     owner->addresses[i].sa_len = sizeof(sockaddr);
-    owner->addresses[i].sa_family = spec.family;
+    owner->addresses[i].sa_family = scripted.family;
     owner->data[i] = if_data{};
-    owner->data[i].ifi_ibytes = spec.receivedBytes;
-    owner->data[i].ifi_obytes = spec.sentBytes;
+    owner->data[i].ifi_ibytes = scripted.receivedBytes;
+    owner->data[i].ifi_obytes = scripted.sentBytes;
     ifaddrs& entry = owner->entries[i];
     entry.ifa_next = i + 1 < n ? &owner->entries[i + 1] : nullptr;
     entry.ifa_name = owner->names.back().data();
-    entry.ifa_flags = spec.flags;
+    entry.ifa_flags = scripted.flags;
     entry.ifa_addr = &owner->addresses[i];
-    entry.ifa_data = spec.hasData ? &owner->data[i] : nullptr;
+    entry.ifa_data = scripted.hasData ? &owner->data[i] : nullptr;
   }
   owner->entries[n].ifa_data = owner.get();
   ++k.interfaceListsOut;
