@@ -150,10 +150,14 @@ std::optional<NetTotals> LinuxSystemCounters::readNetworkBytes() {
   for (Interface& interface : interfaces_) interface.seen = false;
 
   NetTotals totals;
-  for (const procfs::NetDevEntry& entry : procfs::parseNetDev(*text)) {
-    Interface* interface = nullptr;
-    for (Interface& known : interfaces_) {
-      if (known.name == entry.name) interface = &known;
+  procfs::parseNetDev(*text, netDevEntries_);
+  for (std::size_t row = 0; row < netDevEntries_.size(); ++row) {
+    const procfs::NetDevEntry& entry = netDevEntries_[row];
+    // The kernel lists interfaces in a stable order, so the same row usually holds the same name.
+    Interface* interface =
+        row < interfaces_.size() && interfaces_[row].name == entry.name ? &interfaces_[row] : nullptr;
+    for (std::size_t i = 0; !interface && i < interfaces_.size(); ++i) {
+      if (interfaces_[i].name == entry.name) interface = &interfaces_[i];
     }
     if (!interface) {
       interface = &interfaces_.emplace_back(makeInterface(entry.name));

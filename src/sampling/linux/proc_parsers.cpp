@@ -196,7 +196,12 @@ std::optional<std::uint64_t> parseZramMemUsed(std::string_view text) {
 
 std::vector<NetDevEntry> parseNetDev(std::string_view text) {
   std::vector<NetDevEntry> entries;
-  entries.reserve(16);
+  parseNetDev(text, entries);
+  return entries;
+}
+
+void parseNetDev(std::string_view text, std::vector<NetDevEntry>& entries) {
+  entries.clear();
   while (!text.empty()) {
     std::string_view line = takeLine(text);
     // Interface names cannot hold ':', and the two header lines have none.
@@ -214,7 +219,6 @@ std::vector<NetDevEntry> parseNetDev(std::string_view text) {
     if (!tx) continue;
     entries.push_back(NetDevEntry{name, *rx, *tx});
   }
-  return entries;
 }
 
 std::optional<std::uint64_t> parseHexAttribute(std::string_view text) {

@@ -50,6 +50,8 @@ struct NetDevEntry {
 };
 // Rows with a name and at least the receive block and the sent-bytes column; others are skipped.
 [[nodiscard]] std::vector<NetDevEntry> parseNetDev(std::string_view text);
+// The same into a vector the caller keeps, so a reader that runs every tick allocates nothing.
+void parseNetDev(std::string_view text, std::vector<NetDevEntry>& entries);
 
 // A sysfs hexadecimal attribute such as /sys/class/net/<if>/flags ("0x1003\n").
 [[nodiscard]] std::optional<std::uint64_t> parseHexAttribute(std::string_view text);

@@ -50,6 +50,7 @@ class LinuxSystemCounters final : public SystemCounters {
   KeptOpenFile meminfo_;
   KeptOpenFile netDev_;
   std::vector<Interface> interfaces_;
+  std::vector<procfs::NetDevEntry> netDevEntries_;
   std::uint64_t netReads_ = 0;
   std::vector<KeptOpenFile> zramStats_;
   std::uint64_t memoryReads_ = 0;
