@@ -1,6 +1,13 @@
 #include "sampling/process_scan.h"
 
+#include "base/utf8.h"
+
 namespace quillmark {
+
+std::string processDisplayName(std::string_view bytes) {
+  if (bytes.empty()) return "unknown";
+  return repairUtf8(bytes);
+}
 
 double processCPUPercent(std::optional<std::uint64_t> previousNs, std::uint64_t currentNs, double dt) {
   if (!previousNs || currentNs < *previousNs || !(dt > 0.1)) return 0;

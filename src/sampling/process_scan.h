@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -32,6 +33,10 @@ struct ProcessScanResult {
   std::vector<ProcessSample> processes;  // in the reader's order, unsorted
   PidSet livePids;
 };
+
+// A process name as the kernel gave it, made displayable: invalid UTF-8 (names are cut at a byte
+// limit, possibly inside a character) becomes U+FFFD, and an empty name becomes "unknown".
+[[nodiscard]] std::string processDisplayName(std::string_view bytes);
 
 // CPU share of one processor between two readings of a process's cumulative CPU time
 // (nanoseconds) taken dt seconds apart: 0 for a new process, a time that went backwards (pid

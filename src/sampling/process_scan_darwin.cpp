@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "base/check.h"
-#include "sampling/linux/proc_parsers.h"
 #include "sampling/process_scan.h"
 
 namespace quillmark {
@@ -17,8 +16,8 @@ namespace {
 class DarwinProcessReader final : public ProcessReader {
  public:
   std::vector<RawProcess> readProcessesRaw(NameCache& names) override {
-    // proc_listpids answers in bytes. The first call (no buffer) sizes the list; a few spare slots
-    // cover processes started between the two calls.
+    // proc_listpids answers in bytes. The first call (no buffer) sizes the list; a process started
+    // between the two calls waits for the next scan.
     const int needed = proc_listpids(PROC_ALL_PIDS, 0, nullptr, 0);
     if (needed < 1) return {};
     std::vector<int> pids(std::max<std::size_t>(static_cast<std::size_t>(needed) / sizeof(int), 64), 0);
@@ -54,8 +53,7 @@ class DarwinProcessReader final : public ProcessReader {
     std::string name = "unknown";
     if (length >= 1) {
       const std::string_view bytes(buffer.data(), buffer.size());
-      // The same repair as every other name: invalid UTF-8 becomes U+FFFD, empty is "unknown".
-      name = procfs::displayName(bytes.substr(0, bytes.find('\0')));
+      name = processDisplayName(bytes.substr(0, bytes.find('\0')));
     }
     names.emplace(pid, name);
     return name;

@@ -193,7 +193,7 @@ std::vector<RawProcess> LinuxProcessReader::readProcessesRaw(NameCache& names) {
     // A name is read once per process, not per pid: a reused pid gets its new owner's name.
     if (read->newProcess) names.erase(pid);
     auto [entry, inserted] = names.try_emplace(pid);
-    if (inserted) entry->second = procfs::displayName(stat->comm);
+    if (inserted) entry->second = processDisplayName(stat->comm);
     process.name = entry->second;
     processes.push_back(std::move(process));
   }

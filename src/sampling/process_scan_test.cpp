@@ -20,6 +20,11 @@ TEST(ProcessCPUPercentTest, PercentOfOneProcessorAndItsGuards) {
   EXPECT_EQ(processCPUPercent(kSecond, kSecond, 2.0), 0.0);           // idle is exactly 0
 }
 
+TEST(ProcessDisplayNameTest, CutOrEmptyNamesStillDisplay) {
+  EXPECT_EQ(processDisplayName("abc\xE2\x82"), "abc\xEF\xBF\xBD\xEF\xBF\xBD");  // cut inside a character
+  EXPECT_EQ(processDisplayName(""), "unknown");
+}
+
 TEST(ProcessScannerTest, PercentagesComeFromTheDifferenceToThePreviousScan) {
   FakeProcessReader reader;
   reader.table = {{10, "busy", 1 * kSecond, 4096}, {20, "idle", 5 * kSecond, 8192}};

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "base/utf8.h"
+
 namespace quillmark {
 namespace {
 
@@ -53,38 +55,15 @@ std::optional<StringsParseError> decodeUtf16(std::string_view bytes, bool bigEnd
   return std::nullopt;
 }
 
-// Rejects malformed UTF-8 (overlong forms, surrogates, values past U+10FFFF, cut sequences).
+// Rejects malformed UTF-8 (overlong forms, surrogates, values past U+10FFFF, cut sequences),
+// naming the line where it starts.
 std::optional<StringsParseError> validateUtf8(std::string_view s) {
   int line = 1;
   for (std::size_t i = 0; i < s.size();) {
-    const auto c = static_cast<unsigned char>(s[i]);
-    if (c == '\n') ++line;
-    if (c < 0x80) {
-      ++i;
-      continue;
-    }
-    int length = 0;
-    std::uint32_t cp = 0;
-    if (c >= 0xC2 && c <= 0xDF)
-      length = 2, cp = c & 0x1F;
-    else if (c >= 0xE0 && c <= 0xEF)
-      length = 3, cp = c & 0x0F;
-    else if (c >= 0xF0 && c <= 0xF4)
-      length = 4, cp = c & 0x07;
-    else
-      return StringsParseError{line, "invalid UTF-8 byte"};
-    if (i + static_cast<std::size_t>(length) > s.size())
-      return StringsParseError{line, "truncated UTF-8 sequence"};
-    for (int k = 1; k < length; ++k) {
-      const auto next = static_cast<unsigned char>(s[i + static_cast<std::size_t>(k)]);
-      if ((next & 0xC0) != 0x80) return StringsParseError{line, "invalid UTF-8 sequence"};
-      cp = cp << 6 | (next & 0x3F);
-    }
-    if ((length == 3 && cp < 0x800) || (length == 4 && (cp < 0x10000 || cp > 0x10FFFF)) ||
-        (cp >= 0xD800 && cp <= 0xDFFF)) {
-      return StringsParseError{line, "invalid UTF-8 sequence"};
-    }
-    i += static_cast<std::size_t>(length);
+    if (s[i] == '\n') ++line;
+    const std::size_t length = utf8CharacterLength(s, i);
+    if (length == 0) return StringsParseError{line, "invalid UTF-8 sequence"};
+    i += length;
   }
   return std::nullopt;
 }

@@ -275,42 +275,4 @@ std::optional<std::uint64_t> parseStatmResident(std::string_view text) {
   return takeNumber(text);
 }
 
-std::string displayName(std::string_view comm) {
-  if (comm.empty()) return "unknown";
-  std::string name;
-  name.reserve(comm.size());
-  std::size_t i = 0;
-  while (i < comm.size()) {
-    const auto lead = static_cast<unsigned char>(comm[i]);
-    std::size_t length = 0;
-    std::uint32_t min = 0;
-    if (lead < 0x80) {
-      length = 1;
-    } else if ((lead & 0xE0) == 0xC0) {
-      length = 2, min = 0x80;
-    } else if ((lead & 0xF0) == 0xE0) {
-      length = 3, min = 0x800;
-    } else if ((lead & 0xF8) == 0xF0) {
-      length = 4, min = 0x10000;
-    }
-    bool valid = length > 0 && i + length <= comm.size();
-    std::uint32_t code = length == 1 ? lead : lead & (0x7Fu >> length);
-    for (std::size_t k = 1; valid && k < length; ++k) {
-      const auto next = static_cast<unsigned char>(comm[i + k]);
-      valid = (next & 0xC0) == 0x80;
-      code = (code << 6) | (next & 0x3Fu);
-    }
-    // Overlong forms, surrogates and values past U+10FFFF are not characters either.
-    valid = valid && code >= min && code <= 0x10FFFF && !(code >= 0xD800 && code <= 0xDFFF);
-    if (valid) {
-      name.append(comm.substr(i, length));
-      i += length;
-    } else {
-      name.append("\xEF\xBF\xBD");
-      ++i;
-    }
-  }
-  return name;
-}
-
 }  // namespace quillmark::procfs

@@ -73,8 +73,4 @@ struct PidStat {
 // of pages per processor, while statm, status and ps show the exact sum.
 [[nodiscard]] std::optional<std::uint64_t> parseStatmResident(std::string_view text);
 
-// comm as a display name: invalid UTF-8 (comm is cut at 15 bytes, possibly inside a character)
-// becomes U+FFFD; an empty comm becomes "unknown".
-[[nodiscard]] std::string displayName(std::string_view comm);
-
 }  // namespace quillmark::procfs

@@ -101,12 +101,5 @@ TEST(PidStatParser, TakesCommFromFirstOpenToLastCloseAndNeedsBothTimes) {
   EXPECT_FALSE(parsePidStat("5092 (bash)S 1 5092 4202 0 -1 4194304 100 0 0 0 250 75 9 9\n"));
 }
 
-TEST(DisplayName, KeepsValidUtf8AndReplacesWhatIsNot) {
-  EXPECT_EQ(displayName("caf\xC3\xA9"), "caf\xC3\xA9");
-  EXPECT_EQ(displayName("abc\xE2\x82"), "abc\xEF\xBF\xBD\xEF\xBF\xBD");  // cut inside a character
-  EXPECT_EQ(displayName("\xC0\xAF"), "\xEF\xBF\xBD\xEF\xBF\xBD");        // overlong '/'
-  EXPECT_EQ(displayName(""), "unknown");
-}
-
 }  // namespace
 }  // namespace quillmark::procfs
