@@ -37,9 +37,8 @@ LogFile::LogFile(std::string path, bool verbose) : path_(std::move(path)), verbo
 std::string LogFile::oldLogPath(const std::string& path) {
   const auto slash = path.find_last_of('/');
   const auto dot = path.find_last_of('.');
-  const std::string stem = (dot != std::string::npos && (slash == std::string::npos || dot > slash))
-                               ? path.substr(0, dot)
-                               : path;
+  const std::string stem =
+      (dot != std::string::npos && (slash == std::string::npos || dot > slash)) ? path.substr(0, dot) : path;
   return stem + ".old.log";
 }
 

@@ -41,7 +41,9 @@ TEST_F(LogFileTest, LinesCarryTheTimeOfDayAndTheFolderIsCreated) {
   log.debug("Launch at login enabled successfully; status=enabled");
   const auto written = lines();
   ASSERT_EQ(written.size(), 1u);
-  EXPECT_TRUE(std::regex_match(written[0], std::regex(R"(\[\d\d:\d\d:\d\d\.\d\d\d\] Launch at login enabled successfully; status=enabled)")))
+  EXPECT_TRUE(std::regex_match(
+      written[0],
+      std::regex(R"(\[\d\d:\d\d:\d\d\.\d\d\d\] Launch at login enabled successfully; status=enabled)")))
       << written[0];
 }
 

@@ -49,15 +49,17 @@ class CFRef {
 
 // A new CFString holding text (UTF-8); NULL only if CF cannot allocate or the bytes are not UTF-8.
 [[nodiscard]] inline CFRef<CFStringRef> makeCFString(std::string_view text) {
-  return CFRef<CFStringRef>(CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(text.data()),
-                                                    static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, false));
+  return CFRef<CFStringRef>(
+      CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(text.data()),
+                              static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, false));
 }
 
 // The UTF-8 text of a CFString; absent when it cannot be converted.
 [[nodiscard]] inline std::optional<std::string> toStdString(CFStringRef string) {
   if (!string) return std::nullopt;
   if (const char* fast = CFStringGetCStringPtr(string, kCFStringEncodingUTF8)) return std::string(fast);
-  const CFIndex capacity = CFStringGetMaximumSizeForEncoding(CFStringGetLength(string), kCFStringEncodingUTF8) + 1;
+  const CFIndex capacity =
+      CFStringGetMaximumSizeForEncoding(CFStringGetLength(string), kCFStringEncodingUTF8) + 1;
   std::string buffer(static_cast<std::size_t>(capacity), '\0');
   if (!CFStringGetCString(string, buffer.data(), capacity, kCFStringEncodingUTF8)) return std::nullopt;
   buffer.resize(std::char_traits<char>::length(buffer.c_str()));

@@ -5,12 +5,12 @@
 
 // Invariants that must hold in release builds too: a broken one means the program's own state is
 // wrong, and carrying on would publish nonsense or signal the wrong process.
-#define QM_CHECK(cond)                                                                   \
-  do {                                                                                   \
-    if (!(cond)) {                                                                       \
-      std::fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #cond);     \
-      std::abort();                                                                      \
-    }                                                                                    \
+#define QM_CHECK(cond)                                                              \
+  do {                                                                              \
+    if (!(cond)) {                                                                  \
+      std::fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #cond); \
+      std::abort();                                                                 \
+    }                                                                               \
   } while (false)
 
 namespace quillmark {

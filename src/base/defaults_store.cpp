@@ -14,7 +14,9 @@ std::optional<T> typed(const DefaultsStore& store, std::string_view key) {
 }  // namespace
 
 std::optional<bool> DefaultsStore::getBool(std::string_view key) const { return typed<bool>(*this, key); }
-std::optional<double> DefaultsStore::getDouble(std::string_view key) const { return typed<double>(*this, key); }
+std::optional<double> DefaultsStore::getDouble(std::string_view key) const {
+  return typed<double>(*this, key);
+}
 std::optional<std::string> DefaultsStore::getString(std::string_view key) const {
   return typed<std::string>(*this, key);
 }

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <mutex>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>

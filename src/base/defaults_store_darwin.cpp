@@ -17,7 +17,8 @@ class PreferencesDefaultsStore final : public DefaultsStore {
   std::optional<DefaultsValue> get(std::string_view key) const override {
     const CFRef<CFStringRef> cfKey = makeCFString(key);
     if (!cfKey) return std::nullopt;
-    const CFRef<CFPropertyListRef> value(CFPreferencesCopyAppValue(cfKey.get(), kCFPreferencesCurrentApplication));
+    const CFRef<CFPropertyListRef> value(
+        CFPreferencesCopyAppValue(cfKey.get(), kCFPreferencesCurrentApplication));
     return fromPropertyList(value.get());
   }
 
@@ -42,7 +43,8 @@ class PreferencesDefaultsStore final : public DefaultsStore {
     if (!value) return std::nullopt;
     // CFBoolean first: a CFNumber never answers to the boolean type ID, so a stored bool cannot be
     // mistaken for the number 1 or back.
-    if (auto boolean = cfCast<CFBooleanRef>(value, CFBooleanGetTypeID())) return CFBooleanGetValue(boolean) != 0;
+    if (auto boolean = cfCast<CFBooleanRef>(value, CFBooleanGetTypeID()))
+      return CFBooleanGetValue(boolean) != 0;
     if (auto number = cfCast<CFNumberRef>(value, CFNumberGetTypeID())) {
       double out = 0;
       (void)CFNumberGetValue(number, kCFNumberDoubleType, &out);  // an integer converts exactly enough
@@ -88,8 +90,8 @@ class PreferencesDefaultsStore final : public DefaultsStore {
       if (!owned.back()) return {};
       elements.push_back(owned.back().get());
     }
-    return CFRef<CFPropertyListRef>(CFArrayCreate(kCFAllocatorDefault, elements.data(),
-                                                  static_cast<CFIndex>(elements.size()), &kCFTypeArrayCallBacks));
+    return CFRef<CFPropertyListRef>(CFArrayCreate(
+        kCFAllocatorDefault, elements.data(), static_cast<CFIndex>(elements.size()), &kCFTypeArrayCallBacks));
   }
 };
 

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <mutex>
-#include <string>
-
 #include <nlohmann/json.hpp>
+#include <string>
 
 #include "base/defaults_store.h"
 

@@ -75,15 +75,16 @@ TEST_F(JsonDefaultsStoreTest, NonObjectDocumentsAndOddValuesFallBackSafely) {
   ASSERT_TRUE(writeFileAtomically(path_, "[1, 2, 3]"));
   EXPECT_FALSE(JsonDefaultsStore(path_).setAsidePath().empty());
 
-  ASSERT_TRUE(writeFileAtomically(path_, R"({"a": null, "b": {"x": 1}, "c": [1, "x"], "d": 7, "keep": {"y": 2}})"));
+  ASSERT_TRUE(
+      writeFileAtomically(path_, R"({"a": null, "b": {"x": 1}, "c": [1, "x"], "d": 7, "keep": {"y": 2}})"));
   JsonDefaultsStore store(path_);
   EXPECT_TRUE(store.setAsidePath().empty());
   EXPECT_FALSE(store.get("a"));
   EXPECT_FALSE(store.get("b"));
-  EXPECT_FALSE(store.get("c"));               // mixed arrays are not string arrays
-  EXPECT_EQ(store.getDouble("d"), 7.0);        // integers read as doubles
+  EXPECT_FALSE(store.get("c"));          // mixed arrays are not string arrays
+  EXPECT_EQ(store.getDouble("d"), 7.0);  // integers read as doubles
   store.set("e", std::numeric_limits<double>::infinity());
-  EXPECT_FALSE(store.getDouble("e"));          // not representable: falls back, never throws
+  EXPECT_FALSE(store.getDouble("e"));  // not representable: falls back, never throws
   // Entries the program does not understand are preserved on rewrite.
   EXPECT_NE(readWholeFile(path_)->find("\"keep\""), std::string::npos);
 }

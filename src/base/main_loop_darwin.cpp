@@ -16,20 +16,22 @@ namespace {
 // a menu is tracked or the panel is dragged.
 class RunLoopMainLoop final : public MainLoop {
  public:
-  void post(Task task) override { dispatch_async_f(dispatch_get_main_queue(), new Task(std::move(task)), &runOnce); }
+  void post(Task task) override {
+    dispatch_async_f(dispatch_get_main_queue(), new Task(std::move(task)), &runOnce);
+  }
 
   void postAfter(double delaySeconds, Task task) override {
     const auto delay = static_cast<std::int64_t>(delaySeconds * static_cast<double>(NSEC_PER_SEC));
-    dispatch_after_f(dispatch_time(DISPATCH_TIME_NOW, delay), dispatch_get_main_queue(), new Task(std::move(task)),
-                     &runOnce);
+    dispatch_after_f(dispatch_time(DISPATCH_TIME_NOW, delay), dispatch_get_main_queue(),
+                     new Task(std::move(task)), &runOnce);
   }
 
   TimerId addRepeatingTimer(double periodSeconds, Task task) override {
     // The run loop owns the task through the context: release() frees it with the timer.
     CFRunLoopTimerContext context{0, new Task(std::move(task)), nullptr, &releaseTask, nullptr};
     CFRef<CFRunLoopTimerRef> timer(CFRunLoopTimerCreate(kCFAllocatorDefault,
-                                                        CFAbsoluteTimeGetCurrent() + periodSeconds, periodSeconds,
-                                                        0, 0, &fire, &context));
+                                                        CFAbsoluteTimeGetCurrent() + periodSeconds,
+                                                        periodSeconds, 0, 0, &fire, &context));
     if (!timer) {
       releaseTask(context.info);
       return 0;

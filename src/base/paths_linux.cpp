@@ -15,6 +15,8 @@ std::string xdgDirectory(const char* variable, const char* fallbackUnderHome) {
 
 std::string configDirectory() { return xdgDirectory("XDG_CONFIG_HOME", ".config") + "/quillmark"; }
 
-std::string logFilePath() { return xdgDirectory("XDG_STATE_HOME", ".local/state") + "/quillmark/Quillmark.log"; }
+std::string logFilePath() {
+  return xdgDirectory("XDG_STATE_HOME", ".local/state") + "/quillmark/Quillmark.log";
+}
 
 }  // namespace quillmark

@@ -2,8 +2,8 @@
 
 #include <atomic>
 #include <map>
-#include <set>
 #include <mutex>
+#include <set>
 #include <vector>
 
 #include "base/clock.h"

@@ -6,12 +6,13 @@ namespace quillmark {
 namespace {
 
 TEST(Utf8Test, WellFormedTextPassesAndEveryMalformedByteBecomesOneReplacement) {
-  EXPECT_EQ(repairUtf8("caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80"), "caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80");
-  EXPECT_EQ(repairUtf8("abc\xE2\x82"), "abc\xEF\xBF\xBD\xEF\xBF\xBD");        // cut inside a character
-  EXPECT_EQ(repairUtf8("\xC0\xAF"), "\xEF\xBF\xBD\xEF\xBF\xBD");              // overlong '/'
+  EXPECT_EQ(repairUtf8("caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80"),
+            "caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80");
+  EXPECT_EQ(repairUtf8("abc\xE2\x82"), "abc\xEF\xBF\xBD\xEF\xBF\xBD");            // cut inside a character
+  EXPECT_EQ(repairUtf8("\xC0\xAF"), "\xEF\xBF\xBD\xEF\xBF\xBD");                  // overlong '/'
   EXPECT_EQ(repairUtf8("\xED\xA0\x80"), "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");  // encoded surrogate
-  EXPECT_EQ(repairUtf8("\xF4\x90\x80\x80x").size(), 4u * 3 + 1);          // past U+10FFFF
-  EXPECT_EQ(repairUtf8("\x80x"), "\xEF\xBF\xBDx");                           // stray continuation
+  EXPECT_EQ(repairUtf8("\xF4\x90\x80\x80x").size(), 4u * 3 + 1);                  // past U+10FFFF
+  EXPECT_EQ(repairUtf8("\x80x"), "\xEF\xBF\xBDx");                                // stray continuation
   EXPECT_EQ(repairUtf8(""), "");
 }
 

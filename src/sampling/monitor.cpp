@@ -162,7 +162,8 @@ Monitor::Snapshot Monitor::collectSnapshot(const Plan& plan) {
 
 void Monitor::appendHistory(std::vector<double>& history, double value, std::size_t maxCount) {
   history.push_back(value);
-  if (history.size() > maxCount) history.erase(history.begin(), history.end() - static_cast<std::ptrdiff_t>(maxCount));
+  if (history.size() > maxCount)
+    history.erase(history.begin(), history.end() - static_cast<std::ptrdiff_t>(maxCount));
 }
 
 void Monitor::apply(const Snapshot& snap) {

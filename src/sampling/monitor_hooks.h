@@ -44,7 +44,8 @@ class MonitorConsumers {
     (void)cpu, (void)memPct, (void)tempC;
   }
   virtual void reconcilePausedGroups() {}
-  virtual void ingestInsights(const std::vector<ProcessSample>& processes, const std::optional<AssertionMap>& assertions) {
+  virtual void ingestInsights(const std::vector<ProcessSample>& processes,
+                              const std::optional<AssertionMap>& assertions) {
     (void)processes, (void)assertions;
   }
   virtual void recordPins(const std::vector<ProcessSample>& processes) { (void)processes; }

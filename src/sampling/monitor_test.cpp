@@ -58,15 +58,15 @@ TEST_F(MonitorTest, StartMeasuresAtOnceAndFirstTickReportsNoLoadOrRates) {
   EXPECT_EQ(queue.pending(), 1u);
   finishMeasurement();
   EXPECT_FALSE(monitor->isSampling());
-  EXPECT_EQ(monitor->cpu().total, 0);               // no previous counters yet
+  EXPECT_EQ(monitor->cpu().total, 0);  // no previous counters yet
   EXPECT_TRUE(monitor->cpu().perCore.empty());
-  EXPECT_EQ(monitor->network(), NetSample{});       // elapsed is 0 on the first measurement
+  EXPECT_EQ(monitor->network(), NetSample{});  // elapsed is 0 on the first measurement
   EXPECT_EQ(monitor->memory().total, 1000u);
   EXPECT_DOUBLE_EQ(monitor->uptime(), 3600);
 
   loop.advance(2.0);
   finishMeasurement();
-  EXPECT_DOUBLE_EQ(monitor->cpu().total, 50.0);     // 50 busy of 100 ticks
+  EXPECT_DOUBLE_EQ(monitor->cpu().total, 50.0);  // 50 busy of 100 ticks
   EXPECT_EQ(monitor->cpu().perCore, std::vector<double>{50.0});
   EXPECT_DOUBLE_EQ(monitor->network().downBps, 2000.0);  // 4000 bytes over 2 s
   EXPECT_DOUBLE_EQ(monitor->network().upBps, 200.0);

@@ -41,7 +41,8 @@ struct ProcessScanResult {
 // CPU share of one processor between two readings of a process's cumulative CPU time
 // (nanoseconds) taken dt seconds apart: 0 for a new process, a time that went backwards (pid
 // reused), or dt of 0.1 s or less.
-[[nodiscard]] double processCPUPercent(std::optional<std::uint64_t> previousNs, std::uint64_t currentNs, double dt);
+[[nodiscard]] double processCPUPercent(std::optional<std::uint64_t> previousNs, std::uint64_t currentNs,
+                                       double dt);
 
 // The scan step and its per-pid caches, owned by Monitor on its queue.
 class ProcessScanner {

@@ -21,7 +21,8 @@ class DarwinProcessReader final : public ProcessReader {
     const int needed = proc_listpids(PROC_ALL_PIDS, 0, nullptr, 0);
     if (needed < 1) return {};
     std::vector<int> pids(std::max<std::size_t>(static_cast<std::size_t>(needed) / sizeof(int), 64), 0);
-    const int filled = proc_listpids(PROC_ALL_PIDS, 0, pids.data(), static_cast<int>(pids.size() * sizeof(int)));
+    const int filled =
+        proc_listpids(PROC_ALL_PIDS, 0, pids.data(), static_cast<int>(pids.size() * sizeof(int)));
     if (filled < 1) return {};
     pids.resize(std::min(pids.size(), static_cast<std::size_t>(filled) / sizeof(int)));
 
@@ -32,7 +33,8 @@ class DarwinProcessReader final : public ProcessReader {
       if (pid < 1) continue;  // the kernel task and empty slots
       proc_taskinfo task{};
       // Anything but the whole record means the process ended or may not be inspected.
-      if (proc_pidinfo(pid, PROC_PIDTASKINFO, 0, &task, sizeof task) != static_cast<int>(sizeof task)) continue;
+      if (proc_pidinfo(pid, PROC_PIDTASKINFO, 0, &task, sizeof task) != static_cast<int>(sizeof task))
+        continue;
       RawProcess process;
       process.pid = pid;
       process.name = nameOf(pid, names, nameBuffer);
@@ -62,6 +64,8 @@ class DarwinProcessReader final : public ProcessReader {
 
 }  // namespace
 
-std::unique_ptr<ProcessReader> ProcessReader::makePlatform() { return std::make_unique<DarwinProcessReader>(); }
+std::unique_ptr<ProcessReader> ProcessReader::makePlatform() {
+  return std::make_unique<DarwinProcessReader>();
+}
 
 }  // namespace quillmark

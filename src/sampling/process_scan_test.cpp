@@ -13,7 +13,7 @@ constexpr std::uint64_t kSecond = 1'000'000'000;
 
 TEST(ProcessCPUPercentTest, PercentOfOneProcessorAndItsGuards) {
   EXPECT_DOUBLE_EQ(processCPUPercent(0, 2 * kSecond, 2.0), 100.0);
-  EXPECT_DOUBLE_EQ(processCPUPercent(0, 8 * kSecond, 2.0), 400.0);  // four busy cores, not divided
+  EXPECT_DOUBLE_EQ(processCPUPercent(0, 8 * kSecond, 2.0), 400.0);    // four busy cores, not divided
   EXPECT_EQ(processCPUPercent(std::nullopt, 8 * kSecond, 2.0), 0.0);  // first sight
   EXPECT_EQ(processCPUPercent(5 * kSecond, kSecond, 2.0), 0.0);       // reused pid, lower time
   EXPECT_EQ(processCPUPercent(0, kSecond, 0.1), 0.0);                 // too close to divide

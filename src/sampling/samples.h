@@ -29,8 +29,8 @@ struct MemorySample {
   std::uint64_t cached = 0;
   std::uint64_t free = 0;
 
-  [[nodiscard]] std::uint64_t used() const;       // app + wired + compressed; overflow is fatal
-  [[nodiscard]] double usageFraction() const;     // used / total in [0, 1]; 0 when total is 0
+  [[nodiscard]] std::uint64_t used() const;    // app + wired + compressed; overflow is fatal
+  [[nodiscard]] double usageFraction() const;  // used / total in [0, 1]; 0 when total is 0
   bool operator==(const MemorySample&) const = default;
 };
 

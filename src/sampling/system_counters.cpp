@@ -17,7 +17,8 @@ double cpuUsage(const CPUTicks& previous, const CPUTicks& current) {
   return std::min(100.0, busy / all * 100.0);
 }
 
-std::vector<double> perCoreUsage(const std::vector<CoreTicks>& previous, const std::vector<CoreTicks>& current) {
+std::vector<double> perCoreUsage(const std::vector<CoreTicks>& previous,
+                                 const std::vector<CoreTicks>& current) {
   std::vector<double> loads;
   if (previous.size() != current.size()) return loads;
   loads.reserve(current.size());
@@ -31,7 +32,8 @@ std::vector<double> perCoreUsage(const std::vector<CoreTicks>& previous, const s
 NetSample netRates(const NetTotals& previous, const NetTotals& current, double elapsed) {
   NetSample rates;
   if (!(elapsed > 0.1)) return rates;
-  if (current.down >= previous.down) rates.downBps = static_cast<double>(current.down - previous.down) / elapsed;
+  if (current.down >= previous.down)
+    rates.downBps = static_cast<double>(current.down - previous.down) / elapsed;
   if (current.up >= previous.up) rates.upBps = static_cast<double>(current.up - previous.up) / elapsed;
   return rates;
 }

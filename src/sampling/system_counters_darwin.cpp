@@ -33,7 +33,8 @@ class DarwinSystemCounters final : public SystemCounters {
   std::optional<MemorySample> readMemory() override {
     vm_statistics64_data_t stats{};
     mach_msg_type_number_t count = HOST_VM_INFO64_COUNT;
-    if (host_statistics64(host_, HOST_VM_INFO64, reinterpret_cast<host_info64_t>(&stats), &count) != KERN_SUCCESS) {
+    if (host_statistics64(host_, HOST_VM_INFO64, reinterpret_cast<host_info64_t>(&stats), &count) !=
+        KERN_SUCCESS) {
       return std::nullopt;
     }
     vm_size_t pageSize = 0;
@@ -69,7 +70,8 @@ class DarwinSystemCounters final : public SystemCounters {
   std::optional<double> readBootTime() override {
     timeval boot{};
     std::size_t length = sizeof boot;
-    if (sysctlbyname("kern.boottime", &boot, &length, nullptr, 0) != 0 || length != sizeof boot) return std::nullopt;
+    if (sysctlbyname("kern.boottime", &boot, &length, nullptr, 0) != 0 || length != sizeof boot)
+      return std::nullopt;
     return static_cast<double>(boot.tv_sec) + static_cast<double>(boot.tv_usec) / 1'000'000.0;
   }
 
@@ -77,7 +79,8 @@ class DarwinSystemCounters final : public SystemCounters {
   std::optional<CPUTicks> readHostCPU() {
     host_cpu_load_info_data_t load{};
     mach_msg_type_number_t count = HOST_CPU_LOAD_INFO_COUNT;
-    if (host_statistics(host_, HOST_CPU_LOAD_INFO, reinterpret_cast<host_info_t>(&load), &count) != KERN_SUCCESS ||
+    if (host_statistics(host_, HOST_CPU_LOAD_INFO, reinterpret_cast<host_info_t>(&load), &count) !=
+            KERN_SUCCESS ||
         count < HOST_CPU_LOAD_INFO_COUNT) {
       return std::nullopt;
     }
@@ -112,13 +115,15 @@ class DarwinSystemCounters final : public SystemCounters {
   }
 
   static CPUTicks ticksOf(const natural_t (&ticks)[CPU_STATE_MAX]) {
-    return CPUTicks{ticks[CPU_STATE_USER], ticks[CPU_STATE_SYSTEM], ticks[CPU_STATE_IDLE], ticks[CPU_STATE_NICE]};
+    return CPUTicks{ticks[CPU_STATE_USER], ticks[CPU_STATE_SYSTEM], ticks[CPU_STATE_IDLE],
+                    ticks[CPU_STATE_NICE]};
   }
 
   // Anonymous memory less its purgeable part is what applications hold; file-backed pages plus
   // purgeable ones are cache the kernel can drop; the compressor counts the pages it occupies, not
   // what it holds uncompressed.
-  static MemorySample breakdown(const vm_statistics64_data_t& stats, std::uint64_t pageSize, std::uint64_t total) {
+  static MemorySample breakdown(const vm_statistics64_data_t& stats, std::uint64_t pageSize,
+                                std::uint64_t total) {
     const auto bytes = [pageSize](std::uint64_t pages) { return checkedMul(pages, pageSize); };
     const std::uint64_t internal = bytes(stats.internal_page_count);
     const std::uint64_t purgeable = bytes(stats.purgeable_count);
@@ -155,6 +160,8 @@ class DarwinSystemCounters final : public SystemCounters {
 
 }  // namespace
 
-std::unique_ptr<SystemCounters> SystemCounters::makePlatform() { return std::make_unique<DarwinSystemCounters>(); }
+std::unique_ptr<SystemCounters> SystemCounters::makePlatform() {
+  return std::make_unique<DarwinSystemCounters>();
+}
 
 }  // namespace quillmark

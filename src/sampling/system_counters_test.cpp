@@ -10,7 +10,7 @@ using namespace SystemCounterMath;
 TEST(CpuUsageTest, BusyShareOfTheTicksThatPassed) {
   const CPUTicks before{100, 50, 800, 50};
   EXPECT_DOUBLE_EQ(cpuUsage(before, {130, 60, 850, 60}), 50.0);  // 50 busy of 100
-  EXPECT_DOUBLE_EQ(cpuUsage(before, before), 0.0);                // no tick passed: 0, not NaN
+  EXPECT_DOUBLE_EQ(cpuUsage(before, before), 0.0);               // no tick passed: 0, not NaN
   EXPECT_DOUBLE_EQ(cpuUsage(before, {200, 50, 800, 50}), 100.0);
 }
 

@@ -74,8 +74,8 @@ void FrontEnd::stop() {
 void FrontEnd::emit(const std::string& line) {
   if (outputFailed_ || (options_.count && printed_ >= *options_.count)) return;
   // Whole lines, flushed at once: a status bar reads line by line and must never see half a one.
-  const bool ok = std::fwrite(line.data(), 1, line.size(), out_) == line.size() && std::fputc('\n', out_) != EOF &&
-                  std::fflush(out_) == 0;
+  const bool ok = std::fwrite(line.data(), 1, line.size(), out_) == line.size() &&
+                  std::fputc('\n', out_) != EOF && std::fflush(out_) == 0;
   if (!ok) {
     outputFailed_ = true;
     finish_();

@@ -119,9 +119,9 @@ TEST_F(FrontEndTest, JsonModePublishesEverythingAndPrintsEveryFieldPerLine) {
   const auto written = lines();
   ASSERT_EQ(written.size(), 1u);
   const auto line = nlohmann::json::parse(written[0]);
-  for (const char* field : {"cpu", "memory", "network", "processes", "diskFree", "diskTotal", "fans", "thermal",
-                            "battery", "gpu", "gpuCollected", "tempFresh", "processesScanned", "assertions",
-                            "energyRows", "livePids"}) {
+  for (const char* field :
+       {"cpu", "memory", "network", "processes", "diskFree", "diskTotal", "fans", "thermal", "battery", "gpu",
+        "gpuCollected", "tempFresh", "processesScanned", "assertions", "energyRows", "livePids"}) {
     EXPECT_TRUE(line.contains(field)) << field;
   }
   EXPECT_TRUE(line["gpu"].is_null());

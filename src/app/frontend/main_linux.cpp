@@ -68,8 +68,8 @@ int main(int argc, char** argv) {
     });
   }
 
-  FrontEnd frontEnd(*options, FrontEndSettings{frontEndRefreshInterval, frontEndShowNetSpeed}, Monitor::shared(), stdout,
-                    [&loop] { loop.quit(); });
+  FrontEnd frontEnd(*options, FrontEndSettings{frontEndRefreshInterval, frontEndShowNetSpeed},
+                    Monitor::shared(), stdout, [&loop] { loop.quit(); });
   Log::debug("Quillmark " QM_VERSION " started (" + std::string(options->json ? "json" : "text") + " mode)");
   frontEnd.start();
   loop.run();

@@ -41,7 +41,9 @@ NSString* toNSString(const std::string& text) {
 
   _statusItem = [NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength];
   NSMenu* menu = [[NSMenu alloc] initWithTitle:@"Quillmark"];
-  [menu addItemWithTitle:toNSString(quillmark::L("menu.quit")) action:@selector(terminate:) keyEquivalent:@"q"];
+  [menu addItemWithTitle:toNSString(quillmark::L("menu.quit"))
+                  action:@selector(terminate:)
+           keyEquivalent:@"q"];
   _statusItem.menu = menu;
   [self updateStatusText];
 
@@ -60,8 +62,8 @@ NSString* toNSString(const std::string& text) {
 - (void)updateStatusText {
   const quillmark::Monitor& monitor = quillmark::Monitor::shared();
   const bool showNetSpeed = quillmark::DefaultsStore::shared().getBool("showNetSpeed").value_or(false);
-  _statusItem.button.title = toNSString(
-      quillmark::statusText(monitor.cpu.value(), monitor.memory.value(), monitor.network.value(), showNetSpeed));
+  _statusItem.button.title = toNSString(quillmark::statusText(monitor.cpu.value(), monitor.memory.value(),
+                                                              monitor.network.value(), showNetSpeed));
 }
 
 @end

@@ -33,8 +33,8 @@ void reset() { state() = Kernel{}; }
 
 }  // namespace quillmark::fake_darwin
 
-using quillmark::fake_darwin::state;
 using quillmark::fake_darwin::InterfaceList;
+using quillmark::fake_darwin::state;
 
 extern "C" {
 
@@ -51,7 +51,8 @@ kern_return_t mach_port_deallocate(ipc_space_t task, mach_port_name_t name) {
   return KERN_SUCCESS;
 }
 
-kern_return_t host_statistics(host_t host, host_flavor_t flavor, host_info_t out, mach_msg_type_number_t* count) {
+kern_return_t host_statistics(host_t host, host_flavor_t flavor, host_info_t out,
+                              mach_msg_type_number_t* count) {
   auto& k = state();
   if (host != quillmark::fake_darwin::kHostPort || flavor != HOST_CPU_LOAD_INFO) return KERN_INVALID_ARGUMENT;
   k.cpuLoadCountsAsked.push_back(*count);
@@ -85,7 +86,8 @@ kern_return_t host_page_size(host_t host, vm_size_t* size) {
 kern_return_t host_processor_info(host_t host, processor_flavor_t flavor, natural_t* processorCount,
                                   processor_info_array_t* info, mach_msg_type_number_t* infoCount) {
   auto& k = state();
-  if (host != quillmark::fake_darwin::kHostPort || flavor != PROCESSOR_CPU_LOAD_INFO) return KERN_INVALID_ARGUMENT;
+  if (host != quillmark::fake_darwin::kHostPort || flavor != PROCESSOR_CPU_LOAD_INFO)
+    return KERN_INVALID_ARGUMENT;
   if (k.processorResult != KERN_SUCCESS) return k.processorResult;
   const auto count = k.processorInfoCountAnswered.value_or(
       static_cast<mach_msg_type_number_t>(k.processors.size() * CPU_STATE_MAX));

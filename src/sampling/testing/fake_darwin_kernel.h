@@ -6,8 +6,8 @@
 // the reader passed in and what it released. Single-threaded: one test at a time.
 
 #include <ifaddrs.h>
-#include <net/if.h>
 #include <mach/mach.h>
+#include <net/if.h>
 #include <sys/mount.h>
 #include <sys/proc_info.h>
 
@@ -80,13 +80,13 @@ struct Kernel {
 
   // proc_listpids / proc_pidinfo / proc_name.
   std::vector<int> pids;
-  std::optional<int> listSizeAnswer;     // the answer to the sizing call (default: (n + 20) * 4)
-  std::optional<int> listFilledAnswer;   // the answer to the filling call (default: bytes copied)
-  std::vector<int> listBufferSizes;      // buffersize of every call
+  std::optional<int> listSizeAnswer;    // the answer to the sizing call (default: (n + 20) * 4)
+  std::optional<int> listFilledAnswer;  // the answer to the filling call (default: bytes copied)
+  std::vector<int> listBufferSizes;     // buffersize of every call
   std::vector<Process> processes;
   std::vector<std::pair<int, int>> pidinfoCalls;  // (pid, flavour)
   std::vector<int> pidinfoSizes;
-  std::vector<int> nameCalls;                     // pids
+  std::vector<int> nameCalls;  // pids
 };
 
 // The kernel of the current test, reset by reset().

@@ -113,7 +113,8 @@ class RecordingConsumers final : public MonitorConsumers {
     historyTemps.push_back(tempC);
   }
   void reconcilePausedGroups() override { calls.push_back("reconcile"); }
-  void ingestInsights(const std::vector<ProcessSample>&, const std::optional<AssertionMap>& assertions) override {
+  void ingestInsights(const std::vector<ProcessSample>&,
+                      const std::optional<AssertionMap>& assertions) override {
     calls.push_back(assertions ? "insights+assertions" : "insights");
   }
   void recordPins(const std::vector<ProcessSample>&) override { calls.push_back("pins"); }

@@ -62,8 +62,8 @@ TEST_F(DarwinProcesses, PidListIsCountedInBytes) {
   const auto list = read();
   EXPECT_EQ(list.size(), 100u);
   ASSERT_EQ(k.listBufferSizes.size(), 2u);
-  EXPECT_EQ(k.listBufferSizes[0], 0);          // the sizing call
-  EXPECT_EQ(k.listBufferSizes[1], 120 * 4);    // (100 + 20) slots of 4 bytes
+  EXPECT_EQ(k.listBufferSizes[0], 0);        // the sizing call
+  EXPECT_EQ(k.listBufferSizes[1], 120 * 4);  // (100 + 20) slots of 4 bytes
 
   // A small table still gets at least 64 slots.
   fake::reset();

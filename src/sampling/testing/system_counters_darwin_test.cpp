@@ -68,7 +68,7 @@ TEST_F(DarwinCounters, CountersThatWrapOrProcessorsThatVanishGiveNoNonsense) {
   k.cpuLoad = {0xFFFFFFF0u, 100, 100, 0};
   k.processors = {{{10, 0, 10, 0}}, {{10, 0, 10, 0}}};
   (void)tracker.cpu(reader->readCPU());
-  k.cpuLoad = {0x10u, 150, 150, 0};  // user wrapped: only system and idle count
+  k.cpuLoad = {0x10u, 150, 150, 0};   // user wrapped: only system and idle count
   k.processors = {{{20, 0, 20, 0}}};  // one processor went offline
   const CPUSample sample = tracker.cpu(reader->readCPU());
   EXPECT_DOUBLE_EQ(sample.total, 50.0);
@@ -137,7 +137,8 @@ TEST_F(DarwinCounters, OnlyPhysicalEthernetLinkEntriesCount) {
   EXPECT_EQ(totals->down, 0xFFFFFF00ull + 0x200);  // past 2^32: summed in 64 bits
   EXPECT_EQ(totals->up, 0x30u);
 
-  k.interfaces = {{"lo0", up | IFF_LOOPBACK, AF_LINK, true, 500, 500}, {"utun3", up, AF_LINK, true, 500, 500}};
+  k.interfaces = {{"lo0", up | IFF_LOOPBACK, AF_LINK, true, 500, 500},
+                  {"utun3", up, AF_LINK, true, 500, 500}};
   EXPECT_EQ(reader->readNetworkBytes(), NetTotals{});
   k.interfaces.clear();
   EXPECT_EQ(reader->readNetworkBytes(), NetTotals{});

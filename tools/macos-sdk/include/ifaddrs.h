@@ -2,6 +2,7 @@
 // if_data); address entries share the name and flags and have ifa_data NULL.
 #pragma once
 #include <sys/socket.h>
+
 #include "_qm_stub_sdk.h"
 
 struct ifaddrs {

@@ -3,6 +3,7 @@
 #pragma once
 #include <stdint.h>
 #include <sys/proc_info.h>
+
 #include "_qm_stub_sdk.h"
 
 QM_STUB_EXTERN_C_BEGIN

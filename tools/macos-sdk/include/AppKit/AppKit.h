@@ -6,10 +6,10 @@
 #ifdef __OBJC__
 #pragma clang assume_nonnull begin
 
-typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy){
-    NSApplicationActivationPolicyRegular = 0,
-    NSApplicationActivationPolicyAccessory = 1,
-    NSApplicationActivationPolicyProhibited = 2,
+typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy) {
+  NSApplicationActivationPolicyRegular = 0,
+  NSApplicationActivationPolicyAccessory = 1,
+  NSApplicationActivationPolicyProhibited = 2,
 };
 
 typedef NSString* NSAppearanceName;
@@ -63,7 +63,9 @@ extern __kindof NSApplication* _Null_unspecified NSApp;
 
 @interface NSMenuItem : NSObject
 + (NSMenuItem*)separatorItem;
-- (instancetype)initWithTitle:(NSString*)string action:(nullable SEL)selector keyEquivalent:(NSString*)charCode;
+- (instancetype)initWithTitle:(NSString*)string
+                       action:(nullable SEL)selector
+                keyEquivalent:(NSString*)charCode;
 @property(copy) NSString* title;
 @property(nullable, weak) id target;
 @property(nullable) SEL action;
@@ -72,7 +74,9 @@ extern __kindof NSApplication* _Null_unspecified NSApp;
 @interface NSMenu : NSObject
 - (instancetype)initWithTitle:(NSString*)title;
 - (void)addItem:(NSMenuItem*)newItem;
-- (NSMenuItem*)addItemWithTitle:(NSString*)string action:(nullable SEL)selector keyEquivalent:(NSString*)charCode;
+- (NSMenuItem*)addItemWithTitle:(NSString*)string
+                         action:(nullable SEL)selector
+                  keyEquivalent:(NSString*)charCode;
 @property BOOL autoenablesItems;
 @end
 

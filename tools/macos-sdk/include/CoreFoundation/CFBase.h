@@ -4,6 +4,7 @@
 #include <MacTypes.h>
 #include <stddef.h>
 #include <stdint.h>
+
 #include "_qm_stub_sdk.h"
 
 typedef long CFIndex;

@@ -20,9 +20,9 @@ extern const CFRunLoopMode kCFRunLoopDefaultMode;
 extern const CFRunLoopMode kCFRunLoopCommonModes;
 CFRunLoopRef CFRunLoopGetMain(void);
 // +1. The context is copied; release(info) runs when the timer is freed.
-CFRunLoopTimerRef CFRunLoopTimerCreate(CFAllocatorRef allocator, CFAbsoluteTime fireDate, CFTimeInterval interval,
-                                       CFOptionFlags flags, CFIndex order, CFRunLoopTimerCallBack callout,
-                                       CFRunLoopTimerContext* context);
+CFRunLoopTimerRef CFRunLoopTimerCreate(CFAllocatorRef allocator, CFAbsoluteTime fireDate,
+                                       CFTimeInterval interval, CFOptionFlags flags, CFIndex order,
+                                       CFRunLoopTimerCallBack callout, CFRunLoopTimerContext* context);
 void CFRunLoopAddTimer(CFRunLoopRef rl, CFRunLoopTimerRef timer, CFRunLoopMode mode);
 void CFRunLoopTimerInvalidate(CFRunLoopTimerRef timer);
 QM_STUB_EXTERN_C_END

@@ -5,5 +5,6 @@
 typedef const struct __CFURL* CFURLRef;
 
 QM_STUB_EXTERN_C_BEGIN
-Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolveAgainstBase, UInt8* buffer, CFIndex maxBufLen);
+Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolveAgainstBase, UInt8* buffer,
+                                         CFIndex maxBufLen);
 QM_STUB_EXTERN_C_END

@@ -5,11 +5,11 @@
 #ifdef __OBJC__
 #pragma clang assume_nonnull begin
 
-typedef NS_ENUM(NSInteger, SMAppServiceStatus){
-    SMAppServiceStatusNotRegistered = 0,
-    SMAppServiceStatusEnabled = 1,
-    SMAppServiceStatusRequiresApproval = 2,
-    SMAppServiceStatusNotFound = 3,
+typedef NS_ENUM(NSInteger, SMAppServiceStatus) {
+  SMAppServiceStatusNotRegistered = 0,
+  SMAppServiceStatusEnabled = 1,
+  SMAppServiceStatusRequiresApproval = 2,
+  SMAppServiceStatusNotFound = 3,
 };
 
 __attribute__((availability(macos, introduced = 13.0)))

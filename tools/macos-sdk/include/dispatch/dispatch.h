@@ -5,12 +5,14 @@
 #include <stddef.h>
 #include <stdint.h>
 #include <sys/qos.h>
+
 #include "_qm_stub_sdk.h"
 
 #if defined(__OBJC__)
 #include <objc/NSObject.h>
-#define QM_DISPATCH_DECL(name, base)      \
-  @protocol OS_##name <OS_##base> @end   \
+#define QM_DISPATCH_DECL(name, base) \
+  @protocol OS_                      \
+  ##name<OS_##base> @end             \
   typedef NSObject<OS_##name>* name##_t
 @protocol OS_dispatch_object <NSObject>
 @end
@@ -23,7 +25,7 @@ struct dispatch_object_s {
   dispatch_object_s(const dispatch_object_s&);
   void operator=(const dispatch_object_s&);
 };
-#define QM_DISPATCH_DECL(name, base) \
+#define QM_DISPATCH_DECL(name, base)    \
   struct name##_s : public base##_s {}; \
   typedef struct name##_s* name##_t
 typedef struct dispatch_object_s* dispatch_object_t;

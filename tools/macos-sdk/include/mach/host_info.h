@@ -14,6 +14,7 @@ struct host_cpu_load_info {
 };
 typedef struct host_cpu_load_info host_cpu_load_info_data_t;
 typedef struct host_cpu_load_info* host_cpu_load_info_t;
-#define HOST_CPU_LOAD_INFO_COUNT ((mach_msg_type_number_t)(sizeof(host_cpu_load_info_data_t) / sizeof(integer_t)))
+#define HOST_CPU_LOAD_INFO_COUNT \
+  ((mach_msg_type_number_t)(sizeof(host_cpu_load_info_data_t) / sizeof(integer_t)))
 
 QM_STUB_STATIC_ASSERT(sizeof(host_cpu_load_info_data_t) == 16, "host_cpu_load_info is 16 bytes");

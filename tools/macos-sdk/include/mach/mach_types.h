@@ -1,7 +1,8 @@
 // Stub SDK: the Mach scalar types (arm64, LP64).
 #pragma once
-#include <stdint.h>
 #include <mach/kern_return.h>
+#include <stdint.h>
+
 #include "_qm_stub_sdk.h"
 
 typedef unsigned int natural_t;

@@ -35,9 +35,14 @@ typedef struct vm_statistics64* vm_statistics64_t;
 QM_STUB_STATIC_ASSERT(sizeof(vm_statistics64_data_t) == 152, "vm_statistics64 is 152 bytes");
 QM_STUB_STATIC_ASSERT(__alignof__(vm_statistics64_data_t) == 8, "vm_statistics64 is 8-aligned");
 QM_STUB_STATIC_ASSERT(__builtin_offsetof(vm_statistics64_data_t, wire_count) == 12, "wire_count at 12");
-QM_STUB_STATIC_ASSERT(__builtin_offsetof(vm_statistics64_data_t, purgeable_count) == 88, "purgeable_count at 88");
-QM_STUB_STATIC_ASSERT(__builtin_offsetof(vm_statistics64_data_t, compressor_page_count) == 128, "compressor at 128");
-QM_STUB_STATIC_ASSERT(__builtin_offsetof(vm_statistics64_data_t, external_page_count) == 136, "external at 136");
-QM_STUB_STATIC_ASSERT(__builtin_offsetof(vm_statistics64_data_t, internal_page_count) == 140, "internal at 140");
-QM_STUB_STATIC_ASSERT(__builtin_offsetof(vm_statistics64_data_t, total_uncompressed_pages_in_compressor) == 144,
+QM_STUB_STATIC_ASSERT(__builtin_offsetof(vm_statistics64_data_t, purgeable_count) == 88,
+                      "purgeable_count at 88");
+QM_STUB_STATIC_ASSERT(__builtin_offsetof(vm_statistics64_data_t, compressor_page_count) == 128,
+                      "compressor at 128");
+QM_STUB_STATIC_ASSERT(__builtin_offsetof(vm_statistics64_data_t, external_page_count) == 136,
+                      "external at 136");
+QM_STUB_STATIC_ASSERT(__builtin_offsetof(vm_statistics64_data_t, internal_page_count) == 140,
+                      "internal at 140");
+QM_STUB_STATIC_ASSERT(__builtin_offsetof(vm_statistics64_data_t, total_uncompressed_pages_in_compressor) ==
+                          144,
                       "uncompressed total at 144");

@@ -1,6 +1,7 @@
 // Stub SDK: the link-layer socket address (family AF_LINK).
 #pragma once
 #include <stdint.h>
+
 #include "_qm_stub_sdk.h"
 
 struct sockaddr_dl {

@@ -2,6 +2,7 @@
 // bytes; the byte counters are 32-bit and wrap at 4 GiB.
 #pragma once
 #include <stdint.h>
+
 #include "_qm_stub_sdk.h"
 
 struct timeval32 {

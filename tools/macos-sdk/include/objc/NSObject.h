@@ -11,7 +11,7 @@
 @end
 
 __attribute__((objc_root_class))
-@interface NSObject <NSObject> {
+@interface NSObject<NSObject> {
   Class isa;
 }
 + (instancetype)alloc;

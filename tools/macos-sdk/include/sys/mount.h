@@ -1,12 +1,13 @@
 // Stub SDK: file-system statistics (the 64-bit-inode layout, the only one on arm64).
 #pragma once
 #include <stdint.h>
+
 #include "_qm_stub_sdk.h"
 
 #define MFSTYPENAMELEN 16
 
 struct statfs {
-  uint32_t f_bsize;   // fundamental block size
+  uint32_t f_bsize;  // fundamental block size
   int32_t f_iosize;
   uint64_t f_blocks;  // blocks in the file system
   uint64_t f_bfree;   // free blocks

@@ -1,6 +1,7 @@
 // Stub SDK: process information records and flavours of proc_pidinfo.
 #pragma once
 #include <stdint.h>
+
 #include "_qm_stub_sdk.h"
 
 #define PROC_ALL_PIDS 1

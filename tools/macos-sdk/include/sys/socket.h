@@ -1,6 +1,7 @@
 // Stub SDK: the Darwin socket address (with sa_len and an 8-bit family, unlike Linux).
 #pragma once
 #include <stdint.h>
+
 #include "_qm_stub_sdk.h"
 
 typedef uint8_t sa_family_t;

@@ -3,6 +3,7 @@
 #pragma once
 #include <stddef.h>
 #include <sys/_types/_timeval.h>
+
 #include "_qm_stub_sdk.h"
 
 QM_STUB_EXTERN_C_BEGIN

@@ -5,6 +5,7 @@
 // claims glibc's include guard so that only the Darwin layout exists.
 #pragma once
 #include <stdint.h>
+
 #include "_qm_stub_sdk.h"
 
 #ifndef __timeval_defined
