@@ -3,19 +3,11 @@
 #include <string>
 
 #include "app/frontend/status_text.h"
-#include "base/defaults_store.h"
 #include "sampling/monitor.h"
 #include "settings/l10n.h"
+#include "settings/settings_manager.h"
 
 namespace {
-
-// The intervals the menu offers; anything else stored (edited by hand, left by another build)
-// falls back to the default rather than sampling at a rate nobody chose.
-double storedRefreshInterval() {
-  const auto stored = quillmark::DefaultsStore::shared().getDouble("refreshInterval");
-  if (stored && (*stored == 1.0 || *stored == 2.0 || *stored == 5.0)) return *stored;
-  return 2.0;
-}
 
 NSString* toNSString(const std::string& text) {
   // A string that is not valid UTF-8 (it should never be) shows as empty rather than crashing.
@@ -51,7 +43,7 @@ NSString* toNSString(const std::string& text) {
   // Weak: the monitor outlives nothing it should keep alive.
   __weak QMAppDelegate* weakSelf = self;
   monitor.onTick = [weakSelf] { [weakSelf updateStatusText]; };
-  monitor.start(storedRefreshInterval());
+  monitor.start(quillmark::SettingsManager::shared().refreshInterval());
 }
 
 - (void)applicationWillTerminate:(NSNotification*)notification {
@@ -61,7 +53,7 @@ NSString* toNSString(const std::string& text) {
 
 - (void)updateStatusText {
   const quillmark::Monitor& monitor = quillmark::Monitor::shared();
-  const bool showNetSpeed = quillmark::DefaultsStore::shared().getBool("showNetSpeed").value_or(false);
+  const bool showNetSpeed = quillmark::SettingsManager::shared().showNetSpeed();
   _statusItem.button.title = toNSString(quillmark::statusText(monitor.cpu.value(), monitor.memory.value(),
                                                               monitor.network.value(), showNetSpeed));
 }
