@@ -30,9 +30,18 @@ Monitor::~Monitor() {
 
 void Monitor::start(double interval) {
   refreshInterval_ = interval;
-  bootDate_ = env_.counters.readBootTime();
-  if (timer_ != 0) env_.loop.cancelTimer(timer_);
   std::weak_ptr<Monitor> weak = weak_from_this();
+  // Read on the queue like every other reader (the readers share buffers and are not
+  // thread-safe); the serial queue delivers it before the first measurement is applied.
+  env_.queue.async([weak] {
+    auto self = weak.lock();
+    if (!self) return;
+    const std::optional<double> boot = self->env_.counters.readBootTime();
+    self->env_.loop.post([weak, boot] {
+      if (auto monitor = weak.lock()) monitor->bootDate_ = boot;
+    });
+  });
+  if (timer_ != 0) env_.loop.cancelTimer(timer_);
   timer_ = env_.loop.addRepeatingTimer(interval, [weak] {
     if (auto self = weak.lock()) self->sample();
   });

@@ -55,8 +55,10 @@ TEST_F(MonitorTest, StartMeasuresAtOnceAndFirstTickReportsNoLoadOrRates) {
   counters.bootTime = clock.unixNow() - 3600;
   monitor->start(2.0);
   EXPECT_TRUE(monitor->isSampling());
-  EXPECT_EQ(queue.pending(), 1u);
+  EXPECT_EQ(queue.pending(), 2u);  // the boot time, then the measurement: readers stay on the queue
+  EXPECT_EQ(counters.bootReads, 0);
   finishMeasurement();
+  EXPECT_EQ(counters.bootReads, 1);
   EXPECT_FALSE(monitor->isSampling());
   EXPECT_EQ(monitor->cpu().total, 0);  // no previous counters yet
   EXPECT_TRUE(monitor->cpu().perCore.empty());
@@ -77,7 +79,7 @@ TEST_F(MonitorTest, TickFiringWhileMeasuringIsDroppedAndTouchesNothing) {
   loop.advance(2.0);  // the first measurement is still in flight
   loop.advance(2.0);
   EXPECT_EQ(monitor->cycle(), 1u);
-  EXPECT_EQ(queue.pending(), 1u);  // nothing queued behind it
+  EXPECT_EQ(queue.pending(), 2u);  // the boot-time read and the one measurement, nothing behind them
   EXPECT_EQ(counters.cpuReads, 0);
 
   finishMeasurement();
@@ -260,7 +262,7 @@ TEST_F(MonitorTest, IntervalChangesUnderTheThresholdAreIgnored) {
 TEST_F(MonitorTest, AMeasurementOutlivingItsMonitorDoesNothing) {
   monitor->start(2.0);
   monitor.reset();
-  EXPECT_EQ(queue.runAll(), 1);
+  EXPECT_EQ(queue.runAll(), 2);
   EXPECT_EQ(counters.cpuReads, 0);
   EXPECT_EQ(loop.runUntilIdle(), 0);
 }

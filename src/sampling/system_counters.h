@@ -48,8 +48,8 @@ struct DiskSpace {
 };
 
 // The platform's cheap whole-machine readers. They never throw and never log: a failed read
-// returns absent/empty/zero and the tick goes on. Called on the monitor's queue only (boot time
-// also on the main thread at start).
+// returns absent/empty/zero and the tick goes on. Called on the monitor's queue only: the readers
+// keep files and buffers between calls and are not thread-safe.
 class SystemCounters {
  public:
   virtual ~SystemCounters() = default;

@@ -27,7 +27,10 @@ class FakeSystemCounters final : public SystemCounters {
     ++diskReads;
     return disk;
   }
-  std::optional<double> readBootTime() override { return bootTime; }
+  std::optional<double> readBootTime() override {
+    ++bootReads;
+    return bootTime;
+  }
 
   std::deque<CPUReading> cpu;
   std::optional<MemorySample> memory;
@@ -37,6 +40,7 @@ class FakeSystemCounters final : public SystemCounters {
   int cpuReads = 0;
   int netReads = 0;
   int diskReads = 0;
+  int bootReads = 0;
 
  private:
   template <class T>
