@@ -9,6 +9,7 @@ packages=(
   libbenchmark-dev                       # benchmarks in bench/
   nlohmann-json3-dev                     # JSON for the settings file and the --json output
   python3 procps                         # the end-to-end test script; ps and top for the benchmark comparison
+  desktop-file-utils                     # desktop-file-validate checks the autostart entry we write
 )
 
 missing=()
