@@ -65,7 +65,7 @@ bool writeFileAtomically(const std::string& path, std::string_view data, int mod
   }
   ok = ok && fsync(fd) == 0;
   ok = (close(fd) == 0) && ok;
-  if (ok) ok = rename(temp.c_str(), path.c_str()) == 0;
+  if (ok) ok = std::rename(temp.c_str(), path.c_str()) == 0;
   if (!ok) {
     unlink(temp.c_str());
     return false;

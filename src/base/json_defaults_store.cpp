@@ -1,6 +1,5 @@
 #include "base/json_defaults_store.h"
 
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <ctime>

@@ -7,10 +7,7 @@
 
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <string>
-#include <string_view>
 
 #include "app/frontend/front_end.h"
 #include "app/frontend/frontend_settings.h"
