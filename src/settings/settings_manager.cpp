@@ -33,11 +33,11 @@ std::set<PanelModule> hiddenModulesOrDefault(const DefaultsStore& d) {
 }
 
 MenuBarMode menuBarModeOrDefault(const DefaultsStore& d) {
-  return d.getString("menuBarStyle") == "text" ? MenuBarMode::text : MenuBarMode::icon;
+  return menuBarModeFromRaw(d.getString("menuBarStyle").value_or("")).value_or(MenuBarMode::icon);
 }
 
 TempUnit tempUnitOrDefault(const DefaultsStore& d) {
-  return d.getString("tempUnit") == "fahrenheit" ? TempUnit::fahrenheit : TempUnit::celsius;
+  return tempUnitFromRaw(d.getString("tempUnit").value_or("")).value_or(TempUnit::celsius);
 }
 
 }  // namespace
@@ -88,12 +88,8 @@ void SettingsManager::storeHiddenModules(const std::set<PanelModule>& modules) {
 
 void SettingsManager::applyLaunchAtLogin(bool enabled) {
   if (isSyncingLaunch_) return;
-  if (launchAtLogin_.set(enabled)) return;
-  const bool actual = launchAtLogin_.isEnabled();
-  if (actual == launchAtLogin.value()) return;
-  isSyncingLaunch_ = true;
-  launchAtLogin.set(actual);
-  isSyncingLaunch_ = false;
+  // A failed change leaves the toggle showing a state the system does not have.
+  if (!launchAtLogin_.set(enabled)) refreshLaunchAtLogin();
 }
 
 void SettingsManager::applyAlertsEnabled(bool enabled) {
