@@ -3,11 +3,6 @@
 #include <algorithm>
 
 namespace quillmark {
-namespace {
-
-bool startsWith(std::string_view s, std::string_view prefix) { return s.substr(0, prefix.size()) == prefix; }
-
-}  // namespace
 
 std::string languageTagFromPosixLocale(std::string_view name) {
   name = name.substr(0, name.find_first_of(".@"));
@@ -46,12 +41,19 @@ std::vector<std::string> preferredLanguagesFromEnvironment(
 }
 
 std::optional<std::string> tableCodeForLanguage(std::string_view tag) {
-  if (startsWith(tag, "zh-Hans") || startsWith(tag, "zh-CN") || startsWith(tag, "zh-SG") || tag == "zh") {
-    return "zh-Hans";
+  // Compared subtag by subtag: a prefix test would read Konkani ("kok") as Korean.
+  const auto dash = tag.find('-');
+  const std::string_view language = tag.substr(0, dash);
+  if (language == "zh") {
+    // The script if given, else the region; plain "zh" is Simplified.
+    const std::string_view rest = dash == std::string_view::npos ? std::string_view{} : tag.substr(dash + 1);
+    const std::string_view second = rest.substr(0, rest.find('-'));
+    if (second.empty() || second == "Hans" || second == "CN" || second == "SG") return "zh-Hans";
+    if (second == "Hant" || second == "TW" || second == "HK") return "zh-Hant";
+    return std::nullopt;
   }
-  if (startsWith(tag, "zh-Hant") || startsWith(tag, "zh-TW") || startsWith(tag, "zh-HK")) return "zh-Hant";
   for (const char* code : {"ja", "de", "fr", "es", "ko", "th", "en"}) {
-    if (startsWith(tag, code)) return std::string(code);
+    if (language == code) return std::string(code);
   }
   return std::nullopt;
 }

@@ -65,6 +65,8 @@ TEST(LocaleNamesTest, TableCodes) {
       {"en-GB", "en"},
       {"pt-BR", std::nullopt},
       {"", std::nullopt},
+      {"kok-IN", std::nullopt},  // Konkani, not Korean
+      {"frr", std::nullopt},     // North Frisian, not French
   };
   for (const auto& [tag, code] : cases) EXPECT_EQ(tableCodeForLanguage(tag), code) << tag;
 }
