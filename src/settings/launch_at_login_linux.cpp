@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 
 #include "app/log.h"
@@ -53,10 +52,9 @@ std::string errnoText() { return std::strerror(errno); }
 
 std::string XdgAutostartService::entryPath() const {
   if (!entryPath_.empty()) return entryPath_;
-  const char* config = std::getenv("XDG_CONFIG_HOME");
-  // XDG variables must be absolute; anything else is ignored.
-  const std::string base = config && config[0] == '/' ? std::string(config) : homeDirectory() + "/.config";
-  return base + "/autostart/quillmark.desktop";
+  // Our own config folder sits in $XDG_CONFIG_HOME too, so its parent is that folder, already
+  // resolved by the same rules (a relative value is ignored).
+  return parentDirectory(configDirectory()) + "/autostart/quillmark.desktop";
 }
 
 std::string XdgAutostartService::executable() const {
