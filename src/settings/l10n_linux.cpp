@@ -17,7 +17,7 @@ std::string executableDirectory() {
 }
 
 bool hasEnglishTable(const std::string& directory) {
-  return !directory.empty() && access((directory + "/en.lproj/Localizable.strings").c_str(), R_OK) == 0;
+  return access((directory + "/en.lproj/Localizable.strings").c_str(), R_OK) == 0;
 }
 
 }  // namespace
@@ -28,16 +28,13 @@ std::vector<std::string> systemPreferredLanguages() {
 
 std::string stringTablesDirectory() {
   // An installed binary (<prefix>/bin) finds <prefix>/share/quillmark/resources; a binary run from
-  // the build tree falls back to the source tree's folder, whose path is fixed at build time.
-  const std::string exeDir = executableDirectory();
-  const std::string candidates[] = {
-      exeDir.empty() ? std::string() : exeDir + "/../share/quillmark/resources",
-      QM_RESOURCES_DIR,
-  };
-  for (const std::string& candidate : candidates) {
-    if (hasEnglishTable(candidate)) return candidate;
+  // the build tree uses the source tree's folder, whose path is fixed at build time. Missing tables
+  // there only mean keys are shown as they are.
+  if (const std::string exeDir = executableDirectory(); !exeDir.empty()) {
+    const std::string installed = exeDir + "/../share/quillmark/resources";
+    if (hasEnglishTable(installed)) return installed;
   }
-  return QM_RESOURCES_DIR;  // missing tables only mean keys are shown as they are
+  return QM_RESOURCES_DIR;
 }
 
 }  // namespace quillmark
