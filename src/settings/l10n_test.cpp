@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "base/file_util.h"
+#include "base/paths.h"
 #include "settings/settings_types.h"
 #include "settings/testing/temp_environment.h"
 
@@ -113,7 +114,7 @@ TEST_F(L10nTest, DamagedTableIsIgnoredAndLogged) {
   store.set("appLanguage", std::string("de"));
   auto l10n = make();
   EXPECT_EQ(l10n->string("both"), "Both (en)");
-  const auto log = readWholeFile(testing::testLogPath());
+  const auto log = readWholeFile(logFilePath());
   ASSERT_TRUE(log);
   EXPECT_THAT(*log, HasSubstr("de.lproj/Localizable.strings ignored: line 3: expected ';'"));
 }

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include "base/file_util.h"
+#include "base/paths.h"
 #include "settings/testing/temp_environment.h"
 
 namespace quillmark {
@@ -86,7 +87,7 @@ TEST_F(AutostartTest, UnwritableFolderReportsFailure) {
   testing::writeTestFile(config + "/autostart", "a file where the folder should be");
   LaunchAtLogin launch(service);
   EXPECT_FALSE(launch.set(true));
-  EXPECT_THAT(readWholeFile(testing::testLogPath()).value_or(""),
+  EXPECT_THAT(readWholeFile(logFilePath()).value_or(""),
               HasSubstr("Failed to enable launch at login: cannot create " + config + "/autostart"));
 }
 

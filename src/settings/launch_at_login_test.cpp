@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "base/file_util.h"
+#include "base/paths.h"
 #include "settings/testing/fakes.h"
 #include "settings/testing/temp_environment.h"
 
@@ -12,7 +13,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-std::string log() { return readWholeFile(testing::testLogPath()).value_or(""); }
+std::string log() { return readWholeFile(logFilePath()).value_or(""); }
 
 class LaunchAtLoginTest : public ::testing::Test {
  protected:

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/file_util.h"
+#include "base/paths.h"
 #include "settings/testing/fakes.h"
 #include "settings/testing/temp_environment.h"
 
@@ -259,7 +260,7 @@ TEST_F(SettingsManagerTest, RefusedPermissionTurnsAlertsBackOffAfterAskingOnce) 
   EXPECT_EQ(store.getBool("alertsEnabled"), false);
   EXPECT_EQ(permission.requests, 1);
   EXPECT_THAT(seen, ElementsAre(true, false));
-  const auto log = readWholeFile(testing::testLogPath());
+  const auto log = readWholeFile(logFilePath());
   ASSERT_TRUE(log);
   EXPECT_THAT(*log, HasSubstr("Notification permission denied; alert toggle reverted"));
 }

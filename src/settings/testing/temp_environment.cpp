@@ -7,7 +7,6 @@
 #include <string>
 
 #include "base/file_util.h"
-#include "base/paths.h"
 
 namespace quillmark::testing {
 namespace {
@@ -27,8 +26,6 @@ std::string makeTempDirectory() {
   if (!makeDirectories(path)) ADD_FAILURE() << "cannot create " << path;
   return path;
 }
-
-std::string testLogPath() { return logFilePath(); }
 
 void writeTestFile(const std::string& path, const std::string& contents) {
   ASSERT_TRUE(makeDirectories(parentDirectory(path))) << path;

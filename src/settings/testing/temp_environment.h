@@ -8,8 +8,6 @@ namespace quillmark::testing {
 // test process, and the log, config and state folders point into it, so no test touches the
 // user's real files.
 std::string makeTempDirectory();
-// The folder the diagnostic log of this test process is written to.
-std::string testLogPath();
 // Writes contents to path, creating folders; fails the test on error.
 void writeTestFile(const std::string& path, const std::string& contents);
 
