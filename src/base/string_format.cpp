@@ -24,17 +24,23 @@ struct Placeholder {
   char conversion = 0;
 };
 
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
 // Reads a run of digits, saturating at cap so a hostile "%99999999999d" cannot overflow.
 int readNumber(std::string_view s, std::size_t& i, int cap) {
   int n = 0;
-  while (i < s.size() && s[i] >= '0' && s[i] <= '9') {
+  while (i < s.size() && isDigit(s[i])) {
     n = std::min(cap + 1, n * 10 + (s[i] - '0'));
     ++i;
   }
   return n;
 }
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+// The C library's toupper would consult the global locale.
+void upperCaseAscii(std::string& text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](char c) { return c >= 'a' && c <= 'z' ? c - 32 : c; });
+}
 
 // Parses the placeholder that starts after the '%' at index i. On success i is just past it.
 std::optional<Placeholder> parsePlaceholder(std::string_view f, std::size_t& i) {
@@ -124,9 +130,8 @@ std::string toDecimal(double value, NumberStyle style, std::chars_format format,
 std::variant<std::int64_t, std::uint64_t> asInteger(const FormatArg::Value& value) {
   if (const auto* s = std::get_if<std::int64_t>(&value)) return *s;
   if (const auto* u = std::get_if<std::uint64_t>(&value)) return *u;
-  if (const auto* d = std::get_if<double>(&value)) {
-    if (std::isfinite(*d) && *d > -9.2e18 && *d < 9.2e18) return static_cast<std::int64_t>(*d);
-    return std::int64_t{0};
+  if (const auto* d = std::get_if<double>(&value); d && std::isfinite(*d) && *d > -9.2e18 && *d < 9.2e18) {
+    return static_cast<std::int64_t>(*d);
   }
   return std::int64_t{0};
 }
@@ -178,9 +183,7 @@ void appendInteger(std::string& out, const FormatArg::Value& value, const Placeh
   char buffer[32];
   const auto result = std::to_chars(buffer, buffer + sizeof buffer, magnitude, base);
   std::string digits(buffer, result.ptr);
-  if (c == 'X')
-    std::transform(digits.begin(), digits.end(), digits.begin(),
-                   [](char d) { return d >= 'a' ? d - 32 : d; });
+  if (c == 'X') upperCaseAscii(digits);
   if (ph.precision) {
     if (*ph.precision == 0 && magnitude == 0) digits.clear();
     if (digits.size() < static_cast<std::size_t>(*ph.precision)) {
@@ -198,9 +201,7 @@ void appendFloat(std::string& out, const FormatArg::Value& value, const Placehol
   if (c == 'e' || c == 'E') format = std::chars_format::scientific;
   if (c == 'g' || c == 'G') format = std::chars_format::general;
   std::string text = toDecimal(std::fabs(number), style, format, ph.precision.value_or(6));
-  if (upper)
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char d) { return d >= 'a' && d <= 'z' ? d - 32 : d; });
+  if (upper) upperCaseAscii(text);
   std::string prefix;
   if (std::signbit(number) && !std::isnan(number))
     prefix = "-";

@@ -1,5 +1,6 @@
 #include "settings/format.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <ctime>

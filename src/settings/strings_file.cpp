@@ -275,13 +275,12 @@ class Parser {
 StringsFile parseStringsFile(std::string_view bytes) {
   std::string decoded;
   std::string_view text = bytes;
-  const auto startsWith = [&](std::string_view prefix) { return bytes.substr(0, prefix.size()) == prefix; };
-  if (startsWith("\xFF\xFE") || startsWith("\xFE\xFF")) {
+  if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
     if (auto error = decodeUtf16(bytes.substr(2), bytes[0] == '\xFE', decoded)) return StringsFile{{}, error};
     text = decoded;
-  } else if (startsWith("\xEF\xBB\xBF")) {
+  } else if (bytes.starts_with("\xEF\xBB\xBF")) {
     text = bytes.substr(3);
-  } else if (startsWith("bplist")) {
+  } else if (bytes.starts_with("bplist")) {
     // A bundle build that converted the table to a binary property list.
     return StringsFile{{}, StringsParseError{1, "binary property list; expected a text strings table"}};
   }
