@@ -14,7 +14,6 @@ struct ifaddrs {
   struct sockaddr* ifa_dstaddr;
   void* ifa_data;
 };
-#define ifa_broadaddr ifa_dstaddr
 QM_STUB_STATIC_ASSERT(sizeof(struct ifaddrs) == 56, "ifaddrs is 56 bytes");
 QM_STUB_STATIC_ASSERT(__builtin_offsetof(struct ifaddrs, ifa_flags) == 16, "ifa_flags at 16");
 QM_STUB_STATIC_ASSERT(__builtin_offsetof(struct ifaddrs, ifa_data) == 48, "ifa_data at 48");

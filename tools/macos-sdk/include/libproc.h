@@ -8,8 +8,6 @@
 
 QM_STUB_EXTERN_C_BEGIN
 int proc_listpids(uint32_t type, uint32_t typeinfo, void* buffer, int buffersize);
-int proc_listallpids(void* buffer, int buffersize);
 int proc_pidinfo(int pid, int flavor, uint64_t arg, void* buffer, int buffersize);
 int proc_name(int pid, void* buffer, uint32_t buffersize);
-int proc_pidpath(int pid, void* buffer, uint32_t buffersize);
 QM_STUB_EXTERN_C_END

@@ -3,7 +3,6 @@
 #include <CoreFoundation/CFBase.h>
 
 typedef const struct __CFArray* CFArrayRef;
-typedef struct __CFArray* CFMutableArrayRef;
 
 typedef const void* (*CFArrayRetainCallBack)(CFAllocatorRef allocator, const void* value);
 typedef void (*CFArrayReleaseCallBack)(CFAllocatorRef allocator, const void* value);

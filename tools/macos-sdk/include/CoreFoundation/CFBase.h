@@ -10,18 +10,11 @@
 typedef long CFIndex;
 typedef unsigned long CFTypeID;
 typedef unsigned long CFOptionFlags;
-typedef unsigned long CFHashCode;
 
 typedef const void* CFTypeRef;
 typedef const struct __CFString* CFStringRef;
-typedef struct __CFString* CFMutableStringRef;
 typedef const struct __CFAllocator* CFAllocatorRef;
 typedef CFTypeRef CFPropertyListRef;
-
-typedef struct {
-  CFIndex location;
-  CFIndex length;
-} CFRange;
 
 QM_STUB_STATIC_ASSERT(sizeof(CFIndex) == 8, "CFIndex is a signed long");
 QM_STUB_STATIC_ASSERT(sizeof(Boolean) == 1, "Boolean is one byte");
@@ -31,5 +24,4 @@ extern const CFAllocatorRef kCFAllocatorDefault;
 CFTypeID CFGetTypeID(CFTypeRef cf);
 CFTypeRef CFRetain(CFTypeRef cf);
 void CFRelease(CFTypeRef cf);
-Boolean CFEqual(CFTypeRef cf1, CFTypeRef cf2);
 QM_STUB_EXTERN_C_END

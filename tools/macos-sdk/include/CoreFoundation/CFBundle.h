@@ -9,5 +9,4 @@ QM_STUB_EXTERN_C_BEGIN
 CFBundleRef CFBundleGetMainBundle(void);
 // +1 or NULL.
 CFURLRef CFBundleCopyResourcesDirectoryURL(CFBundleRef bundle);
-CFStringRef CFBundleGetIdentifier(CFBundleRef bundle);
 QM_STUB_EXTERN_C_END

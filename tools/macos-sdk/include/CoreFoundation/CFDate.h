@@ -6,6 +6,5 @@ typedef double CFTimeInterval;
 typedef CFTimeInterval CFAbsoluteTime;
 
 QM_STUB_EXTERN_C_BEGIN
-extern const CFTimeInterval kCFAbsoluteTimeIntervalSince1970;
 CFAbsoluteTime CFAbsoluteTimeGetCurrent(void);
 QM_STUB_EXTERN_C_END

@@ -4,9 +4,6 @@
 
 QM_STUB_EXTERN_C_BEGIN
 extern const CFStringRef kCFPreferencesCurrentApplication;
-extern const CFStringRef kCFPreferencesAnyApplication;
-extern const CFStringRef kCFPreferencesCurrentUser;
-extern const CFStringRef kCFPreferencesCurrentHost;
 // +1 or NULL.
 CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applicationID);
 // A NULL value removes the key.

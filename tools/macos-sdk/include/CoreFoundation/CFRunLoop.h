@@ -16,7 +16,6 @@ typedef struct {
 } CFRunLoopTimerContext;
 
 QM_STUB_EXTERN_C_BEGIN
-extern const CFRunLoopMode kCFRunLoopDefaultMode;
 extern const CFRunLoopMode kCFRunLoopCommonModes;
 CFRunLoopRef CFRunLoopGetMain(void);
 // +1. The context is copied; release(info) runs when the timer is freed.

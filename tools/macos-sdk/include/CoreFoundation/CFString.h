@@ -3,12 +3,10 @@
 #include <CoreFoundation/CFBase.h>
 
 typedef UInt32 CFStringEncoding;
-#define kCFStringEncodingASCII ((CFStringEncoding)0x0600)
 #define kCFStringEncodingUTF8 ((CFStringEncoding)0x08000100)
 
 QM_STUB_EXTERN_C_BEGIN
 CFTypeID CFStringGetTypeID(void);
-CFStringRef CFStringCreateWithCString(CFAllocatorRef alloc, const char* cStr, CFStringEncoding encoding);
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef alloc, const UInt8* bytes, CFIndex numBytes,
                                     CFStringEncoding encoding, Boolean isExternalRepresentation);
 Boolean CFStringGetCString(CFStringRef theString, char* buffer, CFIndex bufferSize,
@@ -17,5 +15,3 @@ const char* CFStringGetCStringPtr(CFStringRef theString, CFStringEncoding encodi
 CFIndex CFStringGetLength(CFStringRef theString);
 CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
 QM_STUB_EXTERN_C_END
-
-#define CFSTR(cStr) ((CFStringRef)__builtin___CFStringMakeConstantString("" cStr ""))

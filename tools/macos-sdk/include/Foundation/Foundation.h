@@ -10,20 +10,12 @@
 @interface NSString : NSObject
 + (nullable instancetype)stringWithUTF8String:(const char*)nullTerminatedCString;
 @property(nullable, readonly) const char* UTF8String __attribute__((objc_returns_inner_pointer));
-@property(readonly) NSUInteger length;
 @end
 
-typedef NSString* NSNotificationName;
-typedef NSString* NSErrorDomain;
-
 @interface NSNotification : NSObject
-@property(readonly, copy) NSNotificationName name;
-@property(nullable, readonly, strong) id object;
 @end
 
 @interface NSError : NSObject
-@property(readonly, copy) NSErrorDomain domain;
-@property(readonly) NSInteger code;
 @property(readonly, copy) NSString* localizedDescription;
 @end
 

@@ -34,7 +34,6 @@ typedef struct dispatch_object_s* dispatch_object_t;
 QM_DISPATCH_DECL(dispatch_queue, dispatch_object);
 QM_DISPATCH_DECL(dispatch_queue_serial, dispatch_queue);
 QM_DISPATCH_DECL(dispatch_queue_main, dispatch_queue_serial);
-QM_DISPATCH_DECL(dispatch_queue_global, dispatch_queue);
 QM_DISPATCH_DECL(dispatch_queue_attr, dispatch_object);
 #undef QM_DISPATCH_DECL
 
@@ -43,16 +42,11 @@ typedef qos_class_t dispatch_qos_class_t;
 typedef void (*dispatch_function_t)(void* context);
 
 #define DISPATCH_TIME_NOW (0ull)
-#define DISPATCH_TIME_FOREVER (~0ull)
 #define NSEC_PER_SEC 1000000000ull
-#define NSEC_PER_MSEC 1000000ull
-#define USEC_PER_SEC 1000000ull
 #define DISPATCH_QUEUE_SERIAL NULL
-#define DISPATCH_QUEUE_PRIORITY_DEFAULT 0
 
 QM_STUB_EXTERN_C_BEGIN
 dispatch_queue_main_t dispatch_get_main_queue(void);
-dispatch_queue_global_t dispatch_get_global_queue(intptr_t identifier, uintptr_t flags);
 dispatch_queue_t dispatch_queue_create(const char* label, dispatch_queue_attr_t attr);
 dispatch_queue_attr_t dispatch_queue_attr_make_with_qos_class(dispatch_queue_attr_t attr,
                                                               dispatch_qos_class_t qos_class,
@@ -61,14 +55,8 @@ dispatch_time_t dispatch_time(dispatch_time_t when, int64_t delta);
 void dispatch_async_f(dispatch_queue_t queue, void* context, dispatch_function_t work);
 void dispatch_sync_f(dispatch_queue_t queue, void* context, dispatch_function_t work);
 void dispatch_after_f(dispatch_time_t when, dispatch_queue_t queue, void* context, dispatch_function_t work);
-#ifdef __BLOCKS__
-typedef void (^dispatch_block_t)(void);
-void dispatch_async(dispatch_queue_t queue, dispatch_block_t block);
-void dispatch_after(dispatch_time_t when, dispatch_queue_t queue, dispatch_block_t block);
-#endif
 #if !defined(__OBJC__)
-// Under ARC the compiler manages dispatch objects; these exist only for C and C++.
-void dispatch_retain(dispatch_object_t object);
+// Under ARC the compiler manages dispatch objects; this exists only for C and C++.
 void dispatch_release(dispatch_object_t object);
 #endif
 QM_STUB_EXTERN_C_END

@@ -3,17 +3,13 @@
 #include <mach/mach_types.h>
 #include <mach/machine.h>
 
-#define HOST_LOAD_INFO 1
-#define HOST_VM_INFO 2
 #define HOST_CPU_LOAD_INFO 3
 #define HOST_VM_INFO64 4
-#define HOST_EXTMOD_INFO64 5
 
 struct host_cpu_load_info {
   natural_t cpu_ticks[CPU_STATE_MAX];
 };
 typedef struct host_cpu_load_info host_cpu_load_info_data_t;
-typedef struct host_cpu_load_info* host_cpu_load_info_t;
 #define HOST_CPU_LOAD_INFO_COUNT \
   ((mach_msg_type_number_t)(sizeof(host_cpu_load_info_data_t) / sizeof(integer_t)))
 

@@ -7,29 +7,20 @@
 
 typedef unsigned int natural_t;
 typedef int integer_t;
-typedef int boolean_t;
 typedef natural_t mach_port_name_t;
 typedef unsigned int mach_port_t;
 typedef mach_port_t host_t;
-typedef mach_port_t host_name_port_t;
-typedef mach_port_t task_t;
-typedef mach_port_t task_port_t;
 typedef mach_port_t vm_map_t;
 typedef mach_port_t ipc_space_t;
 typedef natural_t mach_msg_type_number_t;
 typedef uintptr_t vm_offset_t;
 typedef uintptr_t vm_size_t;
 typedef vm_offset_t vm_address_t;
-typedef uint64_t mach_vm_address_t;
-typedef uint64_t mach_vm_size_t;
 typedef integer_t host_flavor_t;
 typedef integer_t* host_info_t;
 typedef integer_t* host_info64_t;
 typedef int processor_flavor_t;
-typedef integer_t* processor_info_t;
 typedef integer_t* processor_info_array_t;
-
-#define MACH_PORT_NULL 0
 
 QM_STUB_STATIC_ASSERT(sizeof(natural_t) == 4 && sizeof(integer_t) == 4, "Mach words are 32-bit");
 QM_STUB_STATIC_ASSERT(sizeof(mach_port_t) == 4, "ports are 32-bit names");

@@ -3,15 +3,11 @@
 #include <mach/mach_types.h>
 #include <mach/machine.h>
 
-#define PROCESSOR_BASIC_INFO 1
 #define PROCESSOR_CPU_LOAD_INFO 2
 
 struct processor_cpu_load_info {
   unsigned int cpu_ticks[CPU_STATE_MAX];
 };
 typedef struct processor_cpu_load_info processor_cpu_load_info_data_t;
-typedef struct processor_cpu_load_info* processor_cpu_load_info_t;
-#define PROCESSOR_CPU_LOAD_INFO_COUNT \
-  ((mach_msg_type_number_t)(sizeof(processor_cpu_load_info_data_t) / sizeof(natural_t)))
 
 QM_STUB_STATIC_ASSERT(sizeof(processor_cpu_load_info_data_t) == 16, "processor_cpu_load_info is 16 bytes");

@@ -29,7 +29,6 @@ struct __attribute__((aligned(8))) vm_statistics64 {
   uint64_t total_uncompressed_pages_in_compressor;
 };
 typedef struct vm_statistics64 vm_statistics64_data_t;
-typedef struct vm_statistics64* vm_statistics64_t;
 #define HOST_VM_INFO64_COUNT ((mach_msg_type_number_t)(sizeof(vm_statistics64_data_t) / sizeof(integer_t)))
 
 QM_STUB_STATIC_ASSERT(sizeof(vm_statistics64_data_t) == 152, "vm_statistics64 is 152 bytes");

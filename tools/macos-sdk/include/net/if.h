@@ -7,4 +7,3 @@
 #define IFF_LOOPBACK 0x8
 #define IFF_POINTOPOINT 0x10
 #define IFF_RUNNING 0x40
-#define IFF_MULTICAST 0x8000

@@ -5,27 +5,9 @@
 #include "_qm_stub_sdk.h"
 
 #define PROC_ALL_PIDS 1
-#define PROC_PGRP_ONLY 2
-#define PROC_TTY_ONLY 3
-#define PROC_UID_ONLY 4
-#define PROC_RUID_ONLY 5
-#define PROC_PPID_ONLY 6
-
-#define PROC_PIDTASKALLINFO 2
-#define PROC_PIDTBSDINFO 3
 #define PROC_PIDTASKINFO 4
-#define PROC_PIDPATHINFO 11
-#define PROC_PIDPATHINFO_SIZE 1024
-#define PROC_PIDPATHINFO_MAXSIZE 4096
 
 #define MAXCOMLEN 16
-
-// pbi_status values.
-#define SIDL 1
-#define SRUN 2
-#define SSLEEP 3
-#define SSTOP 4
-#define SZOMB 5
 
 struct proc_bsdinfo {
   uint32_t pbi_flags;

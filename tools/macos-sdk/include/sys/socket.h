@@ -13,8 +13,5 @@ struct sockaddr {
 QM_STUB_STATIC_ASSERT(sizeof(struct sockaddr) == 16, "sockaddr is 16 bytes");
 QM_STUB_STATIC_ASSERT(__builtin_offsetof(struct sockaddr, sa_family) == 1, "sa_family at 1");
 
-#define AF_UNSPEC 0
 #define AF_INET 2
-#define AF_ROUTE 17
 #define AF_LINK 18
-#define AF_INET6 30

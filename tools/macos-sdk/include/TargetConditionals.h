@@ -1,7 +1,0 @@
-// Stub SDK: the platform selection macros of a macOS build.
-#pragma once
-#define TARGET_OS_MAC 1
-#define TARGET_OS_OSX 1
-#define TARGET_OS_IPHONE 0
-#define TARGET_OS_IOS 0
-#define TARGET_OS_SIMULATOR 0
