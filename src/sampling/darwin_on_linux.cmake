@@ -9,7 +9,6 @@ qm_add_tests(sampling_darwin_fake_tests
   SOURCES
     system_counters_darwin.cpp
     process_scan_darwin.cpp
-    linux/proc_parsers.cpp
     testing/fake_darwin_kernel.cpp
     testing/system_counters_darwin_test.cpp
     testing/process_scan_darwin_test.cpp
