@@ -3,7 +3,6 @@
 
 #include <map>
 #include <memory>
-#include <mutex>
 
 #include "base/cf_ref_darwin.h"
 #include "base/main_loop.h"
