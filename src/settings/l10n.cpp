@@ -27,6 +27,15 @@ constexpr std::array<LanguageInfo, 10> kLanguages = {{
     {AppLanguage::th, "th", "settings.language.thai"},
 }};
 
+// info() indexes the table by the enum's value.
+constexpr bool inEnumOrder() {
+  for (std::size_t i = 0; i < kLanguages.size(); ++i) {
+    if (static_cast<std::size_t>(kLanguages[i].language) != i) return false;
+  }
+  return true;
+}
+static_assert(inEnumOrder());
+
 const LanguageInfo& info(AppLanguage language) { return kLanguages[static_cast<std::size_t>(language)]; }
 
 AppLanguage storedLanguage(const DefaultsStore& defaults) {
