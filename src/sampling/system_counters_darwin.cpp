@@ -37,11 +37,12 @@ class DarwinSystemCounters final : public SystemCounters {
         KERN_SUCCESS) {
       return std::nullopt;
     }
-    vm_size_t pageSize = 0;
-    // The kernel's page size (16 KiB on Apple silicon), not the process's: under Rosetta the two
-    // differ and the statistics count kernel pages.
-    if (host_page_size(host_, &pageSize) != KERN_SUCCESS || pageSize == 0) return std::nullopt;
-    return breakdown(stats, pageSize, physicalMemory());
+    // Neither the page size nor the installed memory changes while the machine runs, so each is
+    // asked for until the kernel first answers and then kept, sparing two calls per tick.
+    if (pageSize_ == 0 && host_page_size(host_, &pageSize_) != KERN_SUCCESS) pageSize_ = 0;
+    if (pageSize_ == 0) return std::nullopt;
+    if (physicalMemory_ == 0) physicalMemory_ = physicalMemory();
+    return breakdown(stats, pageSize_, physicalMemory_);
   }
 
   std::optional<NetTotals> readNetworkBytes() override {
@@ -95,12 +96,6 @@ class DarwinSystemCounters final : public SystemCounters {
         !info) {
       return {};
     }
-    // The array was allocated in our address space by the kernel; it is ours to give back, with
-    // the size it was handed out with.
-    const auto release = [&] {
-      (void)vm_deallocate(mach_task_self(), reinterpret_cast<vm_address_t>(info),
-                          checkedMul<vm_size_t>(infoCount, sizeof(integer_t)));
-    };
     std::vector<CoreTicks> cores;
     if (static_cast<std::uint64_t>(processors) * CPU_STATE_MAX <= infoCount) {
       cores.reserve(processors);
@@ -110,7 +105,10 @@ class DarwinSystemCounters final : public SystemCounters {
         cores.push_back(CoreTicks{static_cast<int>(cpu), ticksOf(load.cpu_ticks)});
       }
     }
-    release();
+    // The array was allocated in our address space by the kernel; it is ours to give back, with
+    // the size it was handed out with.
+    (void)vm_deallocate(mach_task_self(), reinterpret_cast<vm_address_t>(info),
+                        checkedMul<vm_size_t>(infoCount, sizeof(integer_t)));
     return cores;
   }
 
@@ -156,6 +154,10 @@ class DarwinSystemCounters final : public SystemCounters {
   }
 
   host_t host_;
+  // The kernel's page size (16 KiB on Apple silicon), not the process's: under Rosetta the two
+  // differ and the statistics count kernel pages. 0 until known.
+  vm_size_t pageSize_ = 0;
+  std::uint64_t physicalMemory_ = 0;  // bytes; 0 until known
 };
 
 }  // namespace

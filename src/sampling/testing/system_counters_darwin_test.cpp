@@ -95,6 +95,12 @@ TEST_F(DarwinCounters, MemoryBreakdownUsesKernelPagesAndCapsAtPhysicalMemory) {
   EXPECT_EQ(memory->cached, 100'000ull * 16384);
   EXPECT_EQ(memory->free, 40'000ull * 16384);
 
+  // The installed memory is asked for once: a later failure of that call changes nothing.
+  k.sysctl.erase("hw.memsize");
+  memory = reader->readMemory();
+  ASSERT_TRUE(memory);
+  EXPECT_EQ(memory->total, 16ull << 30);
+
   k.vm.internal_page_count = 10'000;  // fewer anonymous than purgeable pages
   k.vm.free_count = 2'000'000;        // more than the machine has
   memory = reader->readMemory();
@@ -114,6 +120,8 @@ TEST_F(DarwinCounters, MemoryReadFailuresAndImpossibleSizes) {
   auto memory = reader->readMemory();
   ASSERT_TRUE(memory);
   EXPECT_EQ(*memory, MemorySample{});
+  // A fresh reader, since the page size is read once and kept.
+  reader = SystemCounters::makePlatform();
   k.pageSize = vm_size_t{1} << 40;
   k.vm.wire_count = 0x01000000;
   EXPECT_DEATH((void)reader->readMemory(), "check failed");
