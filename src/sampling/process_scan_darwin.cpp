@@ -50,15 +50,12 @@ class DarwinProcessReader final : public ProcessReader {
  private:
   static std::string nameOf(int pid, NameCache& names, std::array<char, 512>& buffer) {
     if (auto it = names.find(pid); it != names.end()) return it->second;
-    buffer.fill('\0');
     const int length = proc_name(pid, buffer.data(), static_cast<std::uint32_t>(buffer.size()));
-    std::string name = "unknown";
-    if (length >= 1) {
-      const std::string_view bytes(buffer.data(), buffer.size());
-      name = processDisplayName(bytes.substr(0, bytes.find('\0')));
-    }
-    names.emplace(pid, name);
-    return name;
+    // A failed read leaves no bytes, which processDisplayName turns into "unknown".
+    std::string_view bytes(
+        buffer.data(), std::min<std::size_t>(static_cast<std::size_t>(std::max(length, 0)), buffer.size()));
+    bytes = bytes.substr(0, bytes.find('\0'));
+    return names.emplace(pid, processDisplayName(bytes)).first->second;
   }
 };
 
