@@ -98,10 +98,6 @@ std::optional<std::uint64_t> kibibytes(std::string_view value) {
   return bytes;
 }
 
-}  // namespace
-
-namespace {
-
 // Adds a `cpu` or `cpuN` line to reading; false when the line is not a cpu line at all.
 bool addCPULine(std::string_view line, CPUReading& reading) {
   if (line.substr(0, 3) != "cpu") return false;
