@@ -12,6 +12,9 @@ namespace quillmark {
 // The diagnostic log file: ~/Library/Logs/Quillmark.log on macOS,
 // $XDG_STATE_HOME/quillmark/Quillmark.log on Linux.
 [[nodiscard]] std::string logFilePath();
+// The running program's own file (absent when the system will not say), e.g. for resources
+// installed beside it or an autostart entry that must start this very binary.
+[[nodiscard]] std::string executablePath();
 // Linux only: the folder of the settings file, $XDG_CONFIG_HOME/quillmark.
 [[nodiscard]] std::string configDirectory();
 

@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <cstdlib>
 
 #include "base/paths.h"
@@ -12,6 +14,14 @@ std::string xdgDirectory(const char* variable, const char* fallbackUnderHome) {
 }
 
 }  // namespace
+
+std::string executablePath() {
+  char buffer[4096];
+  const ssize_t n = readlink("/proc/self/exe", buffer, sizeof buffer);
+  // A path that fills the buffer may have been cut; no answer is better than a wrong one.
+  if (n <= 0 || static_cast<std::size_t>(n) >= sizeof buffer) return {};
+  return std::string(buffer, static_cast<std::size_t>(n));
+}
 
 std::string configDirectory() { return xdgDirectory("XDG_CONFIG_HOME", ".config") + "/quillmark"; }
 

@@ -59,9 +59,7 @@ std::string XdgAutostartService::entryPath() const {
 
 std::string XdgAutostartService::executable() const {
   if (!executable_.empty()) return executable_;
-  char buffer[4096];
-  const ssize_t n = readlink("/proc/self/exe", buffer, sizeof buffer - 1);
-  return n > 0 ? std::string(buffer, static_cast<std::size_t>(n)) : std::string();
+  return executablePath();
 }
 
 bool XdgAutostartService::entryIsEnabled(std::string_view contents) {
