@@ -15,7 +15,8 @@ namespace quillmark {
 // The running program's own file (absent when the system will not say), e.g. for resources
 // installed beside it or an autostart entry that must start this very binary.
 [[nodiscard]] std::string executablePath();
-// Linux only: the folder of the settings file, $XDG_CONFIG_HOME/quillmark.
+// The folder for the program's own files: $XDG_CONFIG_HOME/quillmark on Linux (the settings
+// file), ~/Library/Application Support/Quillmark on macOS (settings live in the defaults domain).
 [[nodiscard]] std::string configDirectory();
 
 }  // namespace quillmark
