@@ -10,10 +10,10 @@
 #include <string>
 
 #include "app/frontend/front_end.h"
-#include "app/frontend/frontend_settings.h"
 #include "app/log.h"
 #include "base/poll_main_loop.h"
 #include "sampling/monitor.h"
+#include "settings/settings_manager.h"
 
 namespace {
 
@@ -65,7 +65,9 @@ int main(int argc, char** argv) {
     });
   }
 
-  FrontEnd frontEnd(*options, FrontEndSettings{frontEndRefreshInterval, frontEndShowNetSpeed},
+  FrontEnd frontEnd(*options,
+                    FrontEndSettings{[] { return SettingsManager::shared().refreshInterval(); },
+                                     [] { return SettingsManager::shared().showNetSpeed(); }},
                     Monitor::shared(), stdout, [&loop] { loop.quit(); });
   Log::debug("Quillmark " QM_VERSION " started (" + std::string(options->json ? "json" : "text") + " mode)");
   frontEnd.start();
