@@ -170,7 +170,7 @@ void BM_OurCheapTick(benchmark::State& state) {
   for (auto _ : state) {
     CPUReading cpu = counters->readCPU();
     std::optional<MemorySample> memory = counters->readMemory();
-    std::optional<NetTotals> net = counters->readNetworkBytes();
+    std::optional<NetCounters> net = counters->readNetworkBytes();
     benchmark::DoNotOptimize(cpu);
     benchmark::DoNotOptimize(memory);
     benchmark::DoNotOptimize(net);

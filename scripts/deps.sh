@@ -10,6 +10,14 @@ packages=(
   nlohmann-json3-dev                     # JSON for the settings file and the --json output
   python3 procps                         # the end-to-end test script; ps and top for the benchmark comparison
   desktop-file-utils                     # desktop-file-validate checks the autostart entry we write
+  libsystemd-dev pkgconf                 # sd-bus (desktop notifications, logind's sleep inhibitors), found through pkg-config
+  dbus-daemon dbus python3-dbusmock      # a private bus with mock notification and logind services for the tests
+  libcairo2-dev libpango1.0-dev          # the panel's drawing backend on Linux (Cairo paths, Pango text)
+  fonts-noto-cjk fonts-thai-tlwg         # glyphs for the Chinese, Japanese, Korean and Thai panel texts
+  iproute2                               # ip creates the veth pairs of the many-interfaces network test
+  libicu-dev                             # Unicode case folding for the process search
+  libx11-dev libxres-dev                 # the front application on X11 (_NET_ACTIVE_WINDOW, X-Resource pid)
+  xvfb                                   # a private X server for the front-application test
 )
 
 missing=()

@@ -24,6 +24,11 @@ class DefaultsStore {
   [[nodiscard]] virtual std::optional<DefaultsValue> get(std::string_view key) const = 0;
   virtual void set(std::string_view key, DefaultsValue value) = 0;
   virtual void remove(std::string_view key) = 0;
+  // Whether anything is stored under key, even a value of a kind get() cannot return.
+  [[nodiscard]] virtual bool contains(std::string_view key) const { return get(key).has_value(); }
+  // What went wrong opening the storage (a damaged file set aside, ...), one sentence each, for
+  // the log. Whoever loads the settings logs them once.
+  [[nodiscard]] virtual std::vector<std::string> loadProblems() const { return {}; }
 
   // Typed reads: absent when the key is missing or holds another kind.
   [[nodiscard]] std::optional<bool> getBool(std::string_view key) const;

@@ -1,24 +1,87 @@
 #include "base/json_defaults_store.h"
 
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 
 #include "base/file_util.h"
 
 namespace quillmark {
 
-JsonDefaultsStore::JsonDefaultsStore(std::string path) : path_(std::move(path)) {
-  const auto text = readWholeFile(path_);
-  if (!text) return;  // first run, or unreadable: start from defaults
-  auto parsed = nlohmann::json::parse(*text, nullptr, /*allow_exceptions=*/false);
-  if (!parsed.is_discarded() && parsed.is_object()) {
-    document_ = std::move(parsed);
-    return;
+JsonDefaultsStore::JsonDefaultsStore(std::string path) : path_(std::move(path)) { load(); }
+
+void JsonDefaultsStore::load() {
+  // Writers (this program's other instances too) replace the file by rename, so a read sees a
+  // whole file; but one judged damaged may have been replaced by a good one before it is moved
+  // aside. Then it is read again rather than the good one moved away.
+  for (int attempt = 0; attempt < 5; ++attempt) {
+    if (loadOnce()) return;
   }
-  // Keep the damaged file for the user; a timestamp keeps earlier set-aside copies too.
-  setAside_ = path_ + ".damaged-" + std::to_string(static_cast<long long>(std::time(nullptr)));
-  if (std::rename(path_.c_str(), setAside_.c_str()) != 0) setAside_.clear();
+  mayWrite_ = false;
+  problems_.push_back("Settings file " + path_ +
+                      " kept changing while it was read; defaults used and changes not saved this run");
+}
+
+bool JsonDefaultsStore::loadOnce() {
+  problems_.clear();
+  document_ = nlohmann::json::object();
+  mayWrite_ = true;
+  const RegularFileRead file = readRegularFile(path_, kMaxBytes);
+  identity_ = file.identity;
+  if (!file.content) {
+    if (file.error == FileReadError::notFound) return true;  // first run
+    if (file.error == FileReadError::notRegular) {
+      mayWrite_ = false;
+      problems_.push_back("Settings file " + path_ +
+                          " ignored (not a regular file); defaults used and changes not saved this run");
+      return true;
+    }
+    return setAside(file.error == FileReadError::tooLarge ? "larger than 1 MiB" : describe(file.error));
+  }
+  bool tooDeep = false;
+  // Returning false drops what lies deeper, and the flag rejects the whole file, so the parser's
+  // work stays bounded by the size cap instead of building millions of nested values.
+  const nlohmann::json::parser_callback_t depthLimit = [&tooDeep](int depth, nlohmann::json::parse_event_t,
+                                                                  nlohmann::json&) {
+    if (depth <= kMaxDepth) return true;
+    tooDeep = true;
+    return false;
+  };
+  auto parsed = nlohmann::json::parse(*file.content, depthLimit, /*allow_exceptions=*/false);
+  if (tooDeep) return setAside("nested too deeply");
+  if (parsed.is_discarded()) return setAside("not valid JSON");
+  if (!parsed.is_object()) return setAside("not a JSON object");
+  document_ = std::move(parsed);
+  return true;
+}
+
+bool JsonDefaultsStore::setAside(std::string_view what) {
+  const std::string base = path_ + ".damaged-" + std::to_string(static_cast<long long>(std::time(nullptr)));
+  const auto moved = moveAsideWithoutReplacing(path_, base, identity_);
+  if (!moved && errno == ESTALE) return false;
+  std::string line = "Settings file " + path_ + " is damaged (" + std::string(what) + "); defaults used; ";
+  if (moved) {
+    setAside_ = *moved;
+    line += "copy kept at " + *moved;
+  } else {
+    mayWrite_ = false;
+    line += "it could not be moved aside (" + std::string(std::strerror(errno)) +
+            "), so changes are not saved this run";
+  }
+  problems_.push_back(std::move(line));
+  return true;
+}
+
+bool JsonDefaultsStore::contains(std::string_view key) const {
+  std::lock_guard lock(mutex_);
+  return document_.contains(key);
+}
+
+std::vector<std::string> JsonDefaultsStore::loadProblems() const {
+  std::lock_guard lock(mutex_);
+  return problems_;
 }
 
 std::optional<DefaultsValue> JsonDefaultsStore::get(std::string_view key) const {
@@ -71,6 +134,10 @@ bool JsonDefaultsStore::lastWriteSucceeded() const {
 }
 
 void JsonDefaultsStore::save() {
+  if (!mayWrite_) {
+    lastWriteOk_ = false;
+    return;
+  }
   // Invalid UTF-8 in a string is replaced rather than thrown on, so a write never fails for it.
   const std::string text = document_.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
   lastWriteOk_ = writeFileAtomically(path_, text);

@@ -60,7 +60,15 @@ void PollMainLoop::cancelTimer(TimerId id) {
 }
 
 void PollMainLoop::watchReadable(int fd, Task onReadable) {
-  watches_.emplace_back(fd, std::move(onReadable));
+  watches_.push_back({fd, POLLIN, std::move(onReadable)});
+}
+
+void PollMainLoop::watchWritable(int fd, Task onWritable) {
+  watches_.push_back({fd, POLLOUT, std::move(onWritable)});
+}
+
+void PollMainLoop::unwatch(int fd) {
+  std::erase_if(watches_, [fd](const Watch& watch) { return watch.fd == fd; });
 }
 
 void PollMainLoop::quit() {
@@ -117,7 +125,10 @@ void PollMainLoop::run() {
 
     std::vector<pollfd> fds;
     fds.push_back({wakeFd_, POLLIN, 0});
-    for (const auto& watch : watches_) fds.push_back({watch.first, POLLIN, 0});
+    for (const auto& watch : watches_) fds.push_back({watch.fd, watch.events, 0});
+    // A task may add or end watches, so each is found again by fd and events, and its task is
+    // copied before it runs.
+    const std::vector<Watch> polled = watches_;
     const int ready = poll(fds.data(), fds.size(), timeoutMs);
     if (ready < 0 && errno != EINTR) break;
     if (ready <= 0) continue;
@@ -126,7 +137,13 @@ void PollMainLoop::run() {
       (void)!read(wakeFd_, &count, sizeof count);
     }
     for (std::size_t i = 1; i < fds.size() && !quitting_; ++i) {
-      if (fds[i].revents & (POLLIN | POLLHUP | POLLERR)) watches_[i - 1].second();
+      if (!(fds[i].revents & (fds[i].events | POLLHUP | POLLERR | POLLNVAL))) continue;
+      const auto live = std::find_if(watches_.begin(), watches_.end(), [&](const Watch& watch) {
+        return watch.fd == polled[i - 1].fd && watch.events == polled[i - 1].events;
+      });
+      if (live == watches_.end()) continue;
+      const Task task = live->task;
+      task();
     }
   }
 }

@@ -27,6 +27,11 @@ class PollMainLoop final : public MainLoop {
 
   // Calls onReadable on the loop's thread whenever fd is readable. Main thread only.
   void watchReadable(int fd, Task onReadable);
+  // Calls onWritable on the loop's thread whenever fd can take more bytes (or has failed), until
+  // unwatch(fd). Watch only while there is something to write, or the loop spins. Main thread only.
+  void watchWritable(int fd, Task onWritable);
+  // Ends every watch of fd. Main thread only; a watch's own task may call it.
+  void unwatch(int fd);
 
   void run();
   // The process-wide instance that MainLoop::main() returns on Linux.
@@ -50,7 +55,12 @@ class PollMainLoop final : public MainLoop {
   std::multimap<double, Task> oneShots_;
   std::multimap<double, Scheduled> timers_;  // main thread only
   std::set<TimerId> liveTimers_;             // main thread only
-  std::vector<std::pair<int, Task>> watches_;
+  struct Watch {
+    int fd = -1;
+    short events = 0;  // POLLIN or POLLOUT
+    Task task;
+  };
+  std::vector<Watch> watches_;  // main thread only
   TimerId nextTimer_ = 1;
   std::atomic<bool> quitting_{false};
 };

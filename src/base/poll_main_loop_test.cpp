@@ -1,5 +1,6 @@
 #include "base/poll_main_loop.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -85,6 +86,32 @@ TEST(SerialQueueTest, DestructionFinishesSubmittedJobs) {
     for (int i = 0; i < 100; ++i) queue->async([&] { ++ran; });
   }
   EXPECT_EQ(ran, 100);
+}
+
+TEST(PollMainLoopTest, WritableWatchFiresOnceThePipeHasRoomAndEndsWithUnwatch) {
+  PollMainLoop loop;
+  int fds[2];
+  ASSERT_EQ(pipe2(fds, O_NONBLOCK), 0);
+  const std::string chunk(4096, 'x');
+  while (write(fds[1], chunk.data(), chunk.size()) > 0) {
+  }
+  int calls = 0;
+  loop.watchWritable(fds[1], [&] {
+    ++calls;
+    loop.unwatch(fds[1]);
+    loop.postAfter(0.05, [&] { loop.quit(); });  // time for a wrongly kept watch to fire again
+  });
+  std::thread reader([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    char buffer[65536];
+    while (read(fds[0], buffer, sizeof buffer) > 0) {
+    }
+  });
+  loop.run();
+  reader.join();
+  close(fds[0]);
+  close(fds[1]);
+  EXPECT_EQ(calls, 1);
 }
 
 }  // namespace

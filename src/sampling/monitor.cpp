@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <string>
 
-#include "app/log.h"
 #include "base/check.h"
+#include "base/log.h"
 
 namespace quillmark {
 namespace {
@@ -118,14 +118,30 @@ void Monitor::sample() {
   });
 }
 
+void Monitor::logReadFailureOnce(bool& logged, std::string_view what) {
+  if (logged) return;
+  logged = true;
+  const std::string why = env_.counters.lastReadError();
+  Log::debug(std::string(what) + " could not be read (" + (why.empty() ? "reason unknown" : why) +
+             "); reported as absent until it can");
+}
+
 Monitor::Snapshot Monitor::collectSnapshot(const Plan& plan) {
   Snapshot snap;
   const double now = env_.clock.absoluteNow();
   const double elapsed = lastSampleTime_ > 0 ? now - lastSampleTime_ : 0;
   lastSampleTime_ = now;
 
-  snap.cpu = counters_.cpu(env_.counters.readCPU());
-  if (auto measured = env_.counters.readMemory()) snap.memory = *measured;
+  const CPUReading cpuReading = env_.counters.readCPU();
+  snap.cpuRead = cpuReading.total.has_value();
+  if (!snap.cpuRead) logReadFailureOnce(cpuFailureLogged_, "CPU load");
+  snap.cpu = counters_.cpu(cpuReading);
+  if (auto measured = env_.counters.readMemory()) {
+    snap.memory = *measured;
+  } else {
+    snap.memoryRead = false;
+    logReadFailureOnce(memoryFailureLogged_, "Memory");
+  }
   snap.network = counters_.network(env_.counters.readNetworkBytes(), elapsed);
 
   if (plan.scanProcesses) {
@@ -177,8 +193,10 @@ void Monitor::appendHistory(std::vector<double>& history, double value, std::siz
 
 void Monitor::apply(const Snapshot& snap) {
   lastProcesses_ = snap.processes;
-  cpu.set(snap.cpu);
-  memory.set(snap.memory);
+  lastThermal_ = snap.thermal;
+  // An unread figure keeps its last published value rather than showing a zero nobody measured.
+  if (snap.cpuRead) cpu.set(snap.cpu);
+  if (snap.memoryRead) memory.set(snap.memory);
   network.set(snap.network);
   if (onTick) onTick();
 

@@ -4,12 +4,14 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "base/clock.h"
 #include "base/main_loop.h"
 #include "base/published.h"
 #include "base/serial_queue.h"
+#include "base/shared_instance.h"
 #include "sampling/monitor_hooks.h"
 #include "sampling/process_scan.h"
 #include "sampling/samples.h"
@@ -34,6 +36,10 @@ class Monitor : public std::enable_shared_from_this<Monitor> {
   struct Snapshot {
     CPUSample cpu;
     MemorySample memory;
+    // False when the counters could not be read this tick (the descriptor limit, say): cpu or
+    // memory then hold zeros that were never measured and are not published or reported.
+    bool cpuRead = true;
+    bool memoryRead = true;
     NetSample network;
     std::vector<ProcessSample> processes;  // fresh when processesScanned, else the last list
     std::uint64_t diskFree = 0;
@@ -64,8 +70,8 @@ class Monitor : public std::enable_shared_from_this<Monitor> {
   static constexpr std::size_t kHistoryCount = 90;
 
   [[nodiscard]] static std::shared_ptr<Monitor> create(Environment environment);
-  // The process-wide monitor wired to this platform's readers and the main loop.
-  static Monitor& shared();
+  // The process-wide monitor that the composition root (app/services) built and installed.
+  static Monitor& shared() { return SharedInstance<Monitor>::get(); }
 
   // Published state (main thread). Only apply() assigns it.
   Published<CPUSample> cpu;
@@ -113,6 +119,10 @@ class Monitor : public std::enable_shared_from_this<Monitor> {
   [[nodiscard]] bool publishingPaused() const { return publishingPaused_; }
   [[nodiscard]] std::uint64_t cycle() const { return cycle_; }
   [[nodiscard]] std::uint64_t tickCount() const { return tickCount_; }
+  // The process list and temperatures of the last applied snapshot, also while the panel is
+  // closed (the published values then stand still). A notification names its cause from them.
+  [[nodiscard]] const std::vector<ProcessSample>& latestProcesses() const { return lastProcesses_; }
+  [[nodiscard]] const ThermalSample& latestThermal() const { return lastThermal_; }
 
   ~Monitor();
   Monitor(const Monitor&) = delete;
@@ -128,7 +138,8 @@ class Monitor : public std::enable_shared_from_this<Monitor> {
     bool collectAssertions = false;
   };
   Plan choosePlan();
-  Snapshot collectSnapshot(const Plan& plan);  // on the queue
+  Snapshot collectSnapshot(const Plan& plan);                    // on the queue
+  void logReadFailureOnce(bool& logged, std::string_view what);  // on the queue
   void publishHeavy(const Snapshot& snapshot);
   static void append(Published<std::vector<double>>& history, double value);
 
@@ -141,12 +152,15 @@ class Monitor : public std::enable_shared_from_this<Monitor> {
   std::optional<double> bootDate_;
   std::uint64_t cycle_ = 0;
   std::vector<ProcessSample> lastProcesses_;
+  ThermalSample lastThermal_;
   bool publishingPaused_ = true;
   bool forceProcessScan_ = false;
   std::uint64_t tickCount_ = 0;
 
   // Queue only.
   double lastSampleTime_ = 0;
+  bool cpuFailureLogged_ = false;
+  bool memoryFailureLogged_ = false;
   SystemCounterTracker counters_;
   ProcessScanner scanner_;
   HeavyCache heavyCache_;

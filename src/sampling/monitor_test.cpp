@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/file_util.h"
+#include "base/paths.h"
 #include "base/virtual_time.h"
 #include "sampling/testing/fake_readers.h"
 
@@ -23,7 +25,7 @@ class MonitorTest : public ::testing::Test {
   MonitorTest() {
     counters.cpu = {cpuReading(100, 900), cpuReading(150, 950), cpuReading(250, 1050)};
     counters.memory = MemorySample{1000, 300, 100, 50, 200, 350};
-    counters.net = {NetTotals{1000, 500}, NetTotals{5000, 900}};
+    counters.net = {NetCounters{{"en0", 1000, 500}}, NetCounters{{"en0", 5000, 900}}};
     processes.table = {{10, "launchd", 1'000'000'000, 4096}, {42, "Safari", 2'000'000'000, 8192}};
     monitor = Monitor::create({loop, queue, clock, counters, processes, heavy, consumers});
   }
@@ -72,6 +74,28 @@ TEST_F(MonitorTest, StartMeasuresAtOnceAndFirstTickReportsNoLoadOrRates) {
   EXPECT_EQ(monitor->cpu().perCore, std::vector<double>{50.0});
   EXPECT_DOUBLE_EQ(monitor->network().downBps, 2000.0);  // 4000 bytes over 2 s
   EXPECT_DOUBLE_EQ(monitor->network().upBps, 200.0);
+}
+
+TEST_F(MonitorTest, UnreadCountersAreNotReportedAsZerosAndTheReasonIsLoggedOnce) {
+  counters.cpu = {CPUReading{}};  // every read fails, as at the descriptor limit
+  counters.memory = std::nullopt;
+  counters.readError = "/proc/meminfo: Too many open files";
+  std::vector<Monitor::Snapshot> seen;
+  monitor->onSnapshot = [&seen](const Monitor::Snapshot& snapshot) { seen.push_back(snapshot); };
+  const std::size_t logBefore = readWholeFile(logFilePath()).value_or("").size();
+  monitor->start(2.0);
+  finishMeasurement();
+  loop.advance(2.0);
+  finishMeasurement();
+  ASSERT_EQ(seen.size(), 2u);
+  for (const auto& snapshot : seen) EXPECT_FALSE(snapshot.cpuRead || snapshot.memoryRead);
+  const std::string log = readWholeFile(logFilePath()).value_or("").substr(logBefore);
+  for (const std::string what : {"CPU load", "Memory"}) {
+    const std::string line = what + " could not be read (/proc/meminfo: Too many open files)";
+    const auto first = log.find(line);
+    EXPECT_NE(first, std::string::npos) << log;
+    EXPECT_EQ(log.find(line, first + 1), std::string::npos) << "logged twice: " << line;
+  }
 }
 
 TEST_F(MonitorTest, TickFiringWhileMeasuringIsDroppedAndTouchesNothing) {
@@ -222,20 +246,12 @@ TEST_F(MonitorTest, LiveHistoriesKeepTheNewestNinetyValues) {
   EXPECT_EQ(monitor->tempHistory().size(), 45u);
   EXPECT_EQ(monitor->tempHistory().back(), 130.0);
 
-  std::vector<double> values;
-  for (int i = 0; i < 5; ++i) Monitor::appendHistory(values, i, 3);
-  EXPECT_EQ(values, (std::vector<double>{2, 3, 4}));
-}
-
-TEST_F(MonitorTest, GpuHistoryGrowsOnlyOnTicksThatReadTheGpu) {
-  monitor->setPublishingPaused(false);
-  auto snap = snapshotWith(1);
-  snap.gpuCollected = true;
-  snap.gpu = GPUSample{12.5, std::nullopt, std::nullopt, std::nullopt, std::nullopt};
-  monitor->apply(snap);
-  snap.gpuCollected = false;
-  snap.gpu.reset();
-  monitor->apply(snap);
+  // The GPU history grows only on ticks that read the GPU; the last reading stays published.
+  auto gpu = snapshotWith(1);
+  gpu.gpuCollected = true;
+  gpu.gpu = GPUSample{12.5, std::nullopt, std::nullopt, std::nullopt, std::nullopt};
+  monitor->apply(gpu);
+  monitor->apply(snapshotWith(1));
   EXPECT_EQ(monitor->gpuHistory(), std::vector<double>{12.5});
   EXPECT_EQ(monitor->gpu()->deviceUtil, 12.5);
 }

@@ -27,10 +27,14 @@ ProcessScanResult ProcessScanner::scan(double now, ProcessReader& reader) {
   for (RawProcess& process : raw) {
     result.livePids.insert(process.pid);
     std::optional<std::uint64_t> before;
-    if (auto it = prevProcessCPUTime.find(process.pid); it != prevProcessCPUTime.end()) before = it->second;
+    if (auto it = prevProcessCPUTime.find(process.pid);
+        it != prevProcessCPUTime.end() && it->second.startTime == process.startTime) {
+      before = it->second.cpuTime;
+    }
     const double percent = processCPUPercent(before, process.cpuTime, dt);
-    prevProcessCPUTime[process.pid] = process.cpuTime;
-    result.processes.push_back(ProcessSample{process.pid, std::move(process.name), percent, process.mem});
+    prevProcessCPUTime[process.pid] = {process.startTime, process.cpuTime};
+    result.processes.push_back(
+        ProcessSample{process.pid, std::move(process.name), percent, process.mem, process.startTime});
   }
 
   std::erase_if(prevProcessCPUTime, [&](const auto& entry) { return !result.livePids.count(entry.first); });

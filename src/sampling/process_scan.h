@@ -12,8 +12,24 @@
 
 namespace quillmark {
 
-// pid -> short name, read once per pid lifetime.
-using NameCache = std::unordered_map<std::int32_t, std::string>;
+// A process's short name and the start time it was read for (see RawProcess::startTime).
+struct CachedName {
+  std::uint64_t startTime = 0;
+  std::string name;
+};
+// pid -> short name, read once per process: an entry whose start time differs from the process
+// now holding the pid belongs to that pid's previous owner.
+using NameCache = std::unordered_map<std::int32_t, CachedName>;
+
+// The name of the process (pid, startTime) from the cache, read with readName() and stored when
+// the pid is new there or now belongs to another process.
+template <class ReadName>
+const std::string& cachedName(NameCache& names, std::int32_t pid, std::uint64_t startTime,
+                              ReadName&& readName) {
+  auto [entry, inserted] = names.try_emplace(pid);
+  if (inserted || entry->second.startTime != startTime) entry->second = CachedName{startTime, readName()};
+  return entry->second.name;
+}
 
 // The platform's process table. Called on the monitor's queue only.
 class ProcessReader {
@@ -47,11 +63,16 @@ struct ProcessScanResult {
 // The scan step and its per-pid caches, owned by Monitor on its queue.
 class ProcessScanner {
  public:
-  // One scan at `now` (absolute seconds): percentages from the previous scan, then both caches
-  // pruned to the pids seen.
+  // One scan at `now` (absolute seconds): percentages from the previous scan (0 for a pid now held
+  // by another process), then both caches pruned to the pids seen.
   ProcessScanResult scan(double now, ProcessReader& reader);
 
-  std::unordered_map<std::int32_t, std::uint64_t> prevProcessCPUTime;
+  // The CPU time each pid had at the previous scan, and the start time of the process it was.
+  struct CPUTimeAt {
+    std::uint64_t startTime = 0;
+    std::uint64_t cpuTime = 0;
+  };
+  std::unordered_map<std::int32_t, CPUTimeAt> prevProcessCPUTime;
   NameCache processNameCache;
   double lastProcessScanTime = 0;
 };

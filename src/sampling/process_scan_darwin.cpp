@@ -31,13 +31,17 @@ class DarwinProcessReader final : public ProcessReader {
     processes.reserve(pids.size());
     for (const int pid : pids) {
       if (pid < 1) continue;  // the kernel task and empty slots
-      proc_taskinfo task{};
-      // Anything but the whole record means the process ended or may not be inspected.
-      if (proc_pidinfo(pid, PROC_PIDTASKINFO, 0, &task, sizeof task) != static_cast<int>(sizeof task))
+      // The BSD half carries the start time, so one call gives what telling a reused pid apart
+      // needs. Anything but the whole record means the process ended or may not be inspected.
+      proc_taskallinfo all{};
+      if (proc_pidinfo(pid, PROC_PIDTASKALLINFO, 0, &all, sizeof all) != static_cast<int>(sizeof all))
         continue;
+      const proc_taskinfo& task = all.ptinfo;
       RawProcess process;
       process.pid = pid;
-      process.name = nameOf(pid, names, nameBuffer);
+      // Whole seconds, the stamp StartTimeSource gives on macOS too.
+      process.startTime = all.pbsd.pbi_start_tvsec;
+      process.name = nameOf(pid, process.startTime, names, nameBuffer);
       // Kept in the task record's own unit (Mach time) on purpose: the scan treats it as
       // nanoseconds, and that scale is what the percentages shown are defined by.
       process.cpuTime = checkedAdd<std::uint64_t>(task.pti_total_user, task.pti_total_system);
@@ -48,14 +52,16 @@ class DarwinProcessReader final : public ProcessReader {
   }
 
  private:
-  static std::string nameOf(int pid, NameCache& names, std::array<char, 512>& buffer) {
-    if (auto it = names.find(pid); it != names.end()) return it->second;
-    const int length = proc_name(pid, buffer.data(), static_cast<std::uint32_t>(buffer.size()));
-    // A failed read leaves no bytes, which processDisplayName turns into "unknown".
-    std::string_view bytes(
-        buffer.data(), std::min<std::size_t>(static_cast<std::size_t>(std::max(length, 0)), buffer.size()));
-    bytes = bytes.substr(0, bytes.find('\0'));
-    return names.emplace(pid, processDisplayName(bytes)).first->second;
+  static std::string nameOf(int pid, std::uint64_t startTime, NameCache& names,
+                            std::array<char, 512>& buffer) {
+    return cachedName(names, pid, startTime, [&] {
+      const int length = proc_name(pid, buffer.data(), static_cast<std::uint32_t>(buffer.size()));
+      // A failed read leaves no bytes, which processDisplayName turns into "unknown".
+      std::string_view bytes(
+          buffer.data(), std::min<std::size_t>(static_cast<std::size_t>(std::max(length, 0)), buffer.size()));
+      bytes = bytes.substr(0, bytes.find('\0'));
+      return processDisplayName(bytes);
+    });
   }
 };
 

@@ -190,11 +190,11 @@ std::vector<RawProcess> LinuxProcessReader::readProcessesRaw(NameCache& names) {
     }
     if (__builtin_mul_overflow(*residentPages, pageSize_, &process.mem)) continue;
 
-    // A name is read once per process, not per pid: a reused pid gets its new owner's name.
+    // A name is read once per process, not per pid: a reused pid gets its new owner's name. Kept
+    // files tell at once; without them the start time does (it has clock-tick resolution).
     if (read->newProcess) names.erase(pid);
-    auto [entry, inserted] = names.try_emplace(pid);
-    if (inserted) entry->second = processDisplayName(stat->comm);
-    process.name = entry->second;
+    process.startTime = stat->startTicks;
+    process.name = cachedName(names, pid, stat->startTicks, [&] { return processDisplayName(stat->comm); });
     processes.push_back(std::move(process));
   }
   return processes;

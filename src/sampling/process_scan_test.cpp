@@ -43,7 +43,7 @@ TEST(ProcessScannerTest, PercentagesComeFromTheDifferenceToThePreviousScan) {
   reader.table[0].cpuTime = 4 * kSecond;
   auto tooSoon = scanner.scan(1004.05, reader);
   EXPECT_EQ(tooSoon.processes[0].cpuPercent, 0.0);
-  EXPECT_EQ(scanner.prevProcessCPUTime[10], 4 * kSecond);
+  EXPECT_EQ(scanner.prevProcessCPUTime[10].cpuTime, 4 * kSecond);
 }
 
 TEST(ProcessScannerTest, CachesFollowTheLivingAndNamesAreReadOncePerPid) {
@@ -53,12 +53,12 @@ TEST(ProcessScannerTest, CachesFollowTheLivingAndNamesAreReadOncePerPid) {
   (void)scanner.scan(1000.0, reader);
   EXPECT_EQ(reader.nameReads, 2);
 
-  // pid 20 exits; pid 10 is reused by a new program within one interval.
-  reader.table = {{10, "new name", 0, 1}};
+  // pid 20 exits; pid 10 is reused by a new program (a later start) within one interval.
+  reader.table = {{10, "new name", 3 * kSecond, 1, 7}};
   auto result = scanner.scan(1002.0, reader);
-  EXPECT_EQ(reader.nameReads, 2);
-  EXPECT_EQ(result.processes[0].name, "a");  // keyed by pid only
-  EXPECT_EQ(result.processes[0].cpuPercent, 0.0);
+  EXPECT_EQ(reader.nameReads, 3);
+  EXPECT_EQ(result.processes[0].name, "new name");
+  EXPECT_EQ(result.processes[0].cpuPercent, 0.0);  // not the old program's time as its own
   EXPECT_EQ(scanner.prevProcessCPUTime.size(), 1u);
   EXPECT_EQ(scanner.processNameCache.size(), 1u);
   EXPECT_EQ(reader.lastRetained, (PidSet{10}));

@@ -47,6 +47,9 @@ struct ProcessSample {
   std::string name;
   double cpuPercent = 0;  // of one processor since the previous scan; may exceed 100
   std::uint64_t memoryBytes = 0;
+  // As RawProcess::startTime: with the pid it names one process, so per-process state kept
+  // across samples (icons, insights) is never handed to a process that reused the pid.
+  std::uint64_t startTime = 0;
 
   [[nodiscard]] std::int32_t id() const { return pid; }
   bool operator==(const ProcessSample&) const = default;
@@ -106,6 +109,9 @@ struct RawProcess {
   std::string name;
   std::uint64_t cpuTime = 0;  // cumulative user + system time, nanoseconds
   std::uint64_t mem = 0;      // resident bytes
+  // When the process started, in the platform's own unit; 0 when the platform does not say. With
+  // the pid it names one process: a pid reused by a new process comes back with another start.
+  std::uint64_t startTime = 0;
   bool operator==(const RawProcess&) const = default;
 };
 

@@ -29,12 +29,24 @@ std::vector<double> perCoreUsage(const std::vector<CoreTicks>& previous,
   return loads;
 }
 
-NetSample netRates(const NetTotals& previous, const NetTotals& current, double elapsed) {
+NetSample netRates(const NetCounters& previous, const NetCounters& current, double elapsed) {
   NetSample rates;
   if (!(elapsed > 0.1)) return rates;
-  if (current.down >= previous.down)
-    rates.downBps = static_cast<double>(current.down - previous.down) / elapsed;
-  if (current.up >= previous.up) rates.upBps = static_cast<double>(current.up - previous.up) / elapsed;
+  double down = 0, up = 0;
+  for (std::size_t i = 0; i < current.size(); ++i) {
+    const InterfaceBytes& now = current[i];
+    // The system lists interfaces in a stable order, so the same position usually holds the same one.
+    const InterfaceBytes* before =
+        i < previous.size() && previous[i].name == now.name ? &previous[i] : nullptr;
+    for (std::size_t j = 0; !before && j < previous.size(); ++j) {
+      if (previous[j].name == now.name) before = &previous[j];
+    }
+    if (!before) continue;
+    down += tickDelta(before->down, now.down);
+    up += tickDelta(before->up, now.up);
+  }
+  rates.downBps = down / elapsed;
+  rates.upBps = up / elapsed;
   return rates;
 }
 
@@ -58,11 +70,11 @@ CPUSample SystemCounterTracker::cpu(const CPUReading& reading) {
   return sample;
 }
 
-NetSample SystemCounterTracker::network(const std::optional<NetTotals>& totals, double elapsed) {
-  if (!totals) return {};
+NetSample SystemCounterTracker::network(const std::optional<NetCounters>& counters, double elapsed) {
+  if (!counters) return {};
   NetSample rates;
-  if (prevNet) rates = SystemCounterMath::netRates(*prevNet, *totals, elapsed);
-  prevNet = totals;
+  if (prevNet) rates = SystemCounterMath::netRates(*prevNet, *counters, elapsed);
+  prevNet = counters;
   return rates;
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "sampling/samples.h"
@@ -34,12 +35,16 @@ struct CPUReading {
   std::vector<CoreTicks> perCore;
 };
 
-// Received and sent bytes summed over the counted interfaces since they came up.
-struct NetTotals {
+// One counted interface's received and sent bytes since it came up, keyed by its name.
+struct InterfaceBytes {
+  std::string name;
   std::uint64_t down = 0;
   std::uint64_t up = 0;
-  bool operator==(const NetTotals&) const = default;
+  bool operator==(const InterfaceBytes&) const = default;
 };
+
+// One read of the counted interfaces (physical and up), in the order the system lists them.
+using NetCounters = std::vector<InterfaceBytes>;
 
 // The home volume: bytes the user can still write, and its size. Both 0 when unknown.
 struct DiskSpace {
@@ -56,10 +61,13 @@ class SystemCounters {
   [[nodiscard]] virtual CPUReading readCPU() = 0;
   // The breakdown already mapped to app/wired/compressed/cached/free (see each platform).
   [[nodiscard]] virtual std::optional<MemorySample> readMemory() = 0;
-  [[nodiscard]] virtual std::optional<NetTotals> readNetworkBytes() = 0;
+  [[nodiscard]] virtual std::optional<NetCounters> readNetworkBytes() = 0;
   [[nodiscard]] virtual DiskSpace readDiskSpace() = 0;
   // Unix seconds of the last boot.
   [[nodiscard]] virtual std::optional<double> readBootTime() = 0;
+  // Why the latest failed read failed ("/proc/stat: Too many open files"), for the caller's log;
+  // empty when the platform does not say.
+  [[nodiscard]] virtual std::string lastReadError() const { return {}; }
 
   // The real readers of this platform.
   static std::unique_ptr<SystemCounters> makePlatform();
@@ -78,9 +86,11 @@ namespace SystemCounterMath {
 // Pairwise loads, or empty when the set of processors changed (or either read is empty).
 [[nodiscard]] std::vector<double> perCoreUsage(const std::vector<CoreTicks>& previous,
                                                const std::vector<CoreTicks>& current);
-// Rates from two totals `elapsed` seconds apart: 0 unless elapsed > 0.1 s; a total that went
-// backwards (wrapped, interface gone) gives 0 for that direction.
-[[nodiscard]] NetSample netRates(const NetTotals& previous, const NetTotals& current, double elapsed);
+// Rates from two reads `elapsed` seconds apart: 0 unless elapsed > 0.1 s. Each interface adds its
+// own increase, and only when it was counted in both reads: one that appeared (a lifetime total
+// is not traffic of this tick), disappeared, or whose counter went backwards (wrapped, reset) adds
+// 0 in that direction for this tick, and the others' traffic is still reported.
+[[nodiscard]] NetSample netRates(const NetCounters& previous, const NetCounters& current, double elapsed);
 // Caps every part at total, since no part of physical memory can exceed it.
 [[nodiscard]] MemorySample capToTotal(MemorySample sample);
 
@@ -92,11 +102,11 @@ class SystemCounterTracker {
   // CPU load: the first tick, and a failed read, report 0; a failed total read keeps prevCPU.
   CPUSample cpu(const CPUReading& reading);
   // Network rates: a failed read reports 0 and keeps prevNet.
-  NetSample network(const std::optional<NetTotals>& totals, double elapsed);
+  NetSample network(const std::optional<NetCounters>& counters, double elapsed);
 
   std::optional<CPUTicks> prevCPU;
   std::vector<CoreTicks> prevPerCore;
-  std::optional<NetTotals> prevNet;
+  std::optional<NetCounters> prevNet;
 };
 
 }  // namespace quillmark

@@ -45,18 +45,17 @@ class DarwinSystemCounters final : public SystemCounters {
     return breakdown(stats, pageSize_, physicalMemory_);
   }
 
-  std::optional<NetTotals> readNetworkBytes() override {
+  std::optional<NetCounters> readNetworkBytes() override {
     ifaddrs* list = nullptr;
     if (getifaddrs(&list) != 0) return std::nullopt;
     const std::unique_ptr<ifaddrs, void (*)(ifaddrs*)> owner(list, [](ifaddrs* head) { freeifaddrs(head); });
-    NetTotals totals;
+    NetCounters counters;
     for (const ifaddrs* entry = list; entry; entry = entry->ifa_next) {
       if (!counts(*entry)) continue;
       const auto* data = static_cast<const if_data*>(entry->ifa_data);
-      totals.down = checkedAdd<std::uint64_t>(totals.down, data->ifi_ibytes);
-      totals.up = checkedAdd<std::uint64_t>(totals.up, data->ifi_obytes);
+      counters.push_back({entry->ifa_name, data->ifi_ibytes, data->ifi_obytes});
     }
-    return totals;
+    return counters;
   }
 
   DiskSpace readDiskSpace() override {

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 
+#include <cstring>
 #include <memory>
 #include <utility>
 
@@ -47,8 +48,14 @@ LinuxSystemCounters::LinuxSystemCounters(std::string root)
       meminfo_(root_ + "proc/meminfo"),
       netDev_(root_ + "proc/net/dev") {}
 
+std::optional<std::string_view> LinuxSystemCounters::readNoting(KeptOpenFile& file) {
+  auto text = file.read();
+  if (!text) lastError_ = file.path() + ": " + std::strerror(file.lastError());
+  return text;
+}
+
 CPUReading LinuxSystemCounters::readCPU() {
-  auto text = stat_.read();
+  auto text = readNoting(stat_);
   if (!text) return {};
   return procfs::parseProcStatCPU(*text);
 }
@@ -87,7 +94,7 @@ std::optional<MemorySample> LinuxSystemCounters::memorySample(const procfs::MemI
 }
 
 std::optional<MemorySample> LinuxSystemCounters::readMemory() {
-  auto text = meminfo_.read();
+  auto text = readNoting(meminfo_);
   if (!text) return std::nullopt;
   const procfs::MemInfo info = procfs::parseMemInfo(*text);
   return memorySample(info, zramBytes());
@@ -143,13 +150,13 @@ bool LinuxSystemCounters::readUp(Interface& interface) {
   return flags && (*flags & kIffUp) != 0;
 }
 
-std::optional<NetTotals> LinuxSystemCounters::readNetworkBytes() {
-  auto text = netDev_.read();
+std::optional<NetCounters> LinuxSystemCounters::readNetworkBytes() {
+  auto text = readNoting(netDev_);
   if (!text) return std::nullopt;
   const bool refreshFlags = ++netReads_ % kFlagsRefreshEvery == 0;
   for (Interface& interface : interfaces_) interface.seen = false;
 
-  NetTotals totals;
+  NetCounters counters;
   procfs::parseNetDev(*text, netDevEntries_);
   for (std::size_t row = 0; row < netDevEntries_.size(); ++row) {
     const procfs::NetDevEntry& entry = netDevEntries_[row];
@@ -173,12 +180,11 @@ std::optional<NetTotals> LinuxSystemCounters::readNetworkBytes() {
     interface->lastRx = entry.rxBytes;
     interface->lastTx = entry.txBytes;
     if (!interface->physical || !interface->up) continue;
-    totals.down = saturatingAdd(totals.down, entry.rxBytes);
-    totals.up = saturatingAdd(totals.up, entry.txBytes);
+    counters.push_back({interface->name, entry.rxBytes, entry.txBytes});
   }
   // A name that went away is judged afresh if it comes back: it may be another kind of device.
   std::erase_if(interfaces_, [](const Interface& interface) { return !interface.seen; });
-  return totals;
+  return counters;
 }
 
 DiskSpace LinuxSystemCounters::readDiskSpace() {

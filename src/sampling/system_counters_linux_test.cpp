@@ -1,11 +1,13 @@
 #include "sampling/linux/system_counters_linux.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -53,12 +55,12 @@ TEST(LinuxNetworkTotals, CountOnlyPhysicalInterfacesThatAreUp) {
                                      {"wlan0", 2000, 200},
                                      {"eth1", 90000, 90000}}));
   LinuxSystemCounters counters(tree.root());
-  EXPECT_EQ(counters.readNetworkBytes(), (NetTotals{3000, 300}));
+  EXPECT_EQ(counters.readNetworkBytes(), (NetCounters{{"eth0", 1000, 100}, {"wlan0", 2000, 200}}));
 
   // A device plugged in later counts from its first appearance; one that went away stops at once.
   addInterface(tree, "usb0", "0x1003\n", true);
   tree.write("proc/net/dev", netDev({{"lo", 900500, 900500}, {"wlan0", 2500, 250}, {"usb0", 40, 4}}));
-  EXPECT_EQ(counters.readNetworkBytes(), (NetTotals{2540, 254}));
+  EXPECT_EQ(counters.readNetworkBytes(), (NetCounters{{"wlan0", 2500, 250}, {"usb0", 40, 4}}));
 
   tree.remove("proc/net/dev");
   EXPECT_EQ(LinuxSystemCounters(tree.root()).readNetworkBytes(), std::nullopt);
@@ -66,9 +68,19 @@ TEST(LinuxNetworkTotals, CountOnlyPhysicalInterfacesThatAreUp) {
 
 TEST(LinuxNetworkTotals, MatchTheKernelsCountersOfPhysicalInterfaces) {
   // Summed independently; traffic flows meanwhile, so the sum must fall between two reads of ours.
-  NetTotals reference;
+  struct Sum {
+    std::uint64_t down = 0, up = 0;
+  } reference;
+  const auto sum = [](const std::optional<NetCounters>& counters) {
+    Sum total;
+    for (const InterfaceBytes& interface : counters.value_or(NetCounters{})) {
+      total.down += interface.down;
+      total.up += interface.up;
+    }
+    return total;
+  };
   LinuxSystemCounters counters;
-  const auto before = counters.readNetworkBytes();
+  const auto beforeRead = counters.readNetworkBytes();
   std::ifstream in("/proc/net/dev");
   for (std::string line; std::getline(in, line);) {
     const auto colon = line.find(':');
@@ -84,12 +96,33 @@ TEST(LinuxNetworkTotals, MatchTheKernelsCountersOfPhysicalInterfaces) {
     reference.down += rx;
     reference.up += tx;
   }
-  const auto after = counters.readNetworkBytes();
-  ASSERT_TRUE(before && after);
-  EXPECT_LE(before->down, reference.down);
-  EXPECT_LE(reference.down, after->down);
-  EXPECT_LE(before->up, reference.up);
-  EXPECT_LE(reference.up, after->up);
+  const auto afterRead = counters.readNetworkBytes();
+  ASSERT_TRUE(beforeRead && afterRead);
+  const Sum before = sum(beforeRead), after = sum(afterRead);
+  EXPECT_LE(before.down, reference.down);
+  EXPECT_LE(reference.down, after.down);
+  EXPECT_LE(before.up, reference.up);
+  EXPECT_LE(reference.up, after.up);
+}
+
+TEST(LinuxSystemCountersOnThisMachine, AtTheDescriptorLimitReadsFailAndSayWhy) {
+  // The lowest free descriptor becomes the limit, so the next open fails with EMFILE.
+  const int lowestFree = ::dup(0);
+  ASSERT_GE(lowestFree, 0);
+  ::close(lowestFree);
+  rlimit saved{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &saved), 0);
+  rlimit tight = saved;
+  tight.rlim_cur = static_cast<rlim_t>(lowestFree);
+  LinuxSystemCounters counters;
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &tight), 0);
+  const CPUReading cpu = counters.readCPU();
+  const auto memory = counters.readMemory();
+  ::setrlimit(RLIMIT_NOFILE, &saved);
+  EXPECT_FALSE(cpu.total);
+  EXPECT_FALSE(memory);
+  EXPECT_EQ(counters.lastReadError(), "/proc/meminfo: " + std::string(std::strerror(EMFILE)));
+  EXPECT_TRUE(counters.readCPU().total);  // recovers once descriptors are free again
 }
 
 TEST(LinuxCPUCounters, FollowTheFileInPlaceAndKeepCoreNumbers) {

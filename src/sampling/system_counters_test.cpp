@@ -56,22 +56,33 @@ TEST(SystemCounterTrackerTest, FirstTickAndFailedReadsReportZeroAndKeepState) {
   EXPECT_EQ(tracker.cpu(second).perCore, std::vector<double>{0.0});
 }
 
+NetCounters net(std::uint64_t en0Down, std::uint64_t en0Up) { return {{"en0", en0Down, en0Up}}; }
+
 TEST(NetRatesTest, RatesNeedAPreviousReadingAndMoreThanATenthOfASecond) {
   SystemCounterTracker tracker;
-  EXPECT_EQ(tracker.network(NetTotals{1000, 1000}, 0), NetSample{});
-  EXPECT_EQ(tracker.network(NetTotals{3000, 1500}, 2.0), (NetSample{1000, 250}));
-  EXPECT_EQ(tracker.network(NetTotals{3100, 1600}, 0.1), NetSample{});  // too soon to divide by
-  // A failed read reports 0 and keeps the previous totals for the next tick.
+  EXPECT_EQ(tracker.network(net(1000, 1000), 0), NetSample{});
+  EXPECT_EQ(tracker.network(net(3000, 1500), 2.0), (NetSample{1000, 250}));
+  EXPECT_EQ(tracker.network(net(3100, 1600), 0.1), NetSample{});  // too soon to divide by
+  // A failed read reports 0 and keeps the previous counters for the next tick.
   EXPECT_EQ(tracker.network(std::nullopt, 2.0), NetSample{});
-  EXPECT_EQ(tracker.prevNet, (NetTotals{3100, 1600}));
-  EXPECT_EQ(tracker.network(NetTotals{5100, 1600}, 2.0), (NetSample{1000, 0}));
+  EXPECT_EQ(tracker.prevNet, net(3100, 1600));
+  EXPECT_EQ(tracker.network(net(5100, 1600), 2.0), (NetSample{1000, 0}));
 }
 
-TEST(NetRatesTest, ATotalThatWentBackwardsGivesZeroForOneTickOnly) {
+TEST(NetRatesTest, OnlyInterfacesCountedAtBothEndsOfATickAddTheirIncrease) {
   SystemCounterTracker tracker;
-  (void)tracker.network(NetTotals{10'000, 500}, 0);
-  EXPECT_EQ(tracker.network(NetTotals{2'000, 900}, 1.0), (NetSample{0, 400}));
-  EXPECT_EQ(tracker.network(NetTotals{4'000, 900}, 1.0), (NetSample{2000, 0}));
+  (void)tracker.network(NetCounters{{"en0", 1000, 100}}, 0);
+  // Wi-Fi reconnects with its lifetime totals: only en0's 300 bytes flowed in these two seconds.
+  EXPECT_EQ(tracker.network(NetCounters{{"en0", 1300, 400}, {"wlan0", 1'800'000'000, 900'000}}, 2.0),
+            (NetSample{150, 150}));
+  // Listed in another order, and en0 gone: wlan0 still reports its own traffic.
+  EXPECT_EQ(tracker.network(NetCounters{{"wlan0", 1'800'000'200, 900'100}}, 2.0), (NetSample{100, 50}));
+  // A counter that went backwards (reset, wrapped) adds nothing in that direction, for one tick.
+  (void)tracker.network(NetCounters{{"wlan0", 1'800'000'200, 900'100}, {"en0", 5000, 500}}, 2.0);
+  EXPECT_EQ(tracker.network(NetCounters{{"wlan0", 1'800'000'400, 50}, {"en0", 5200, 700}}, 2.0),
+            (NetSample{200, 100}));
+  EXPECT_EQ(tracker.network(NetCounters{{"wlan0", 1'800'000'400, 250}, {"en0", 5200, 700}}, 2.0),
+            (NetSample{0, 100}));
 }
 
 TEST(MemorySampleTest, UsedAndFractionAndCapping) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <ctime>
 #include <vector>
 
@@ -80,15 +81,115 @@ std::string uptime(double seconds, const L10n& l10n) {
 
 std::string uptime(double seconds) { return uptime(seconds, L10n::shared()); }
 
-std::string clockTime(const std::tm& local) {
-  return formatString("%02d:%02d:%02d", {local.tm_hour, local.tm_min, local.tm_sec});
+namespace {
+
+// The composite conversions spelled out, so the hour, minute and second can be found.
+std::string expandTimeFormat(std::string_view format) {
+  std::string out;
+  for (std::size_t i = 0; i < format.size(); ++i) {
+    if (format[i] != '%' || i + 1 == format.size()) {
+      out += format[i];
+      continue;
+    }
+    const char conversion = format[++i];
+    if (conversion == 'r') {
+      out += "%I:%M:%S %p";
+    } else if (conversion == 'T') {
+      out += "%H:%M:%S";
+    } else if (conversion == 'R') {
+      out += "%H:%M";
+    } else {
+      out += '%';
+      out += conversion;
+    }
+  }
+  return out;
+}
+
+}  // namespace
+
+std::string clockTime(const std::tm& local, std::string_view localeTimeFormat) {
+  const std::string format = expandTimeFormat(localeTimeFormat);
+  std::size_t hour = std::string::npos;
+  for (const char* conversion : {"%H", "%k", "%I", "%l"}) {
+    if (const auto at = format.find(conversion); at != std::string::npos) hour = std::min(hour, at);
+  }
+  const bool twelveHour = hour != std::string::npos && (format[hour + 1] == 'I' || format[hour + 1] == 'l');
+  const auto minute = format.find("%M", hour == std::string::npos ? 0 : hour);
+  const auto second = minute == std::string::npos ? std::string::npos : format.find("%S", minute);
+  std::string_view beforeMinute = ":", beforeSecond = ":";
+  if (hour != std::string::npos && second != std::string::npos) {
+    beforeMinute = std::string_view(format).substr(hour + 2, minute - hour - 2);
+    beforeSecond = std::string_view(format).substr(minute + 2, second - minute - 2);
+  }
+  int h = local.tm_hour;
+  if (twelveHour) h = h % 12 == 0 ? 12 : h % 12;
+  const auto twoDigits = [](int value) {
+    char digits[16];
+    std::snprintf(digits, sizeof digits, "%02d", value);
+    return std::string(digits);
+  };
+  // The separators are the locale's literal text, so they are appended, never used as a format.
+  return twoDigits(h) + std::string(beforeMinute) + twoDigits(local.tm_min) + std::string(beforeSecond) +
+         twoDigits(local.tm_sec);
+}
+
+std::string timeFormatFromPattern(std::string_view pattern) {
+  std::string out;
+  bool quoted = false;
+  for (std::size_t i = 0; i < pattern.size(); ++i) {
+    const char c = pattern[i];
+    if (c == '\'') {
+      if (i + 1 < pattern.size() && pattern[i + 1] == '\'') {
+        out += '\'';
+        ++i;
+      } else {
+        quoted = !quoted;
+      }
+      continue;
+    }
+    if (quoted) {
+      out += c == '%' ? "%%" : std::string(1, c);
+      continue;
+    }
+    // A run of one letter is one field.
+    const auto field = [&](const char* conversion) {
+      while (i + 1 < pattern.size() && pattern[i + 1] == c) ++i;
+      out += conversion;
+    };
+    switch (c) {
+      case 'h':
+      case 'K':
+        field("%I");
+        break;
+      case 'H':
+      case 'k':
+        field("%H");
+        break;
+      case 'm':
+        field("%M");
+        break;
+      case 's':
+        field("%S");
+        break;
+      case 'a':
+        field("%p");
+        break;
+      case '%':
+        out += "%%";
+        break;
+      default:
+        out += c;
+    }
+  }
+  return out;
 }
 
 std::string currentTime() {
   const std::time_t now = std::time(nullptr);
   std::tm local{};
   localtime_r(&now, &local);
-  return clockTime(local);
+  return clockTime(local, systemTimeFormat());
 }
 
 }  // namespace Format

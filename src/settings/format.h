@@ -25,9 +25,16 @@ namespace Format {
 // below a day, else "format.uptime.days" (days, hours); integer arguments.
 [[nodiscard]] std::string uptime(double seconds, const L10n& l10n);
 [[nodiscard]] std::string uptime(double seconds);
-// The local wall-clock time as HH:mm:ss (24-hour, two digits each).
+// The local wall-clock time in the user's locale (LC_ALL, LC_TIME, LANG; not the application
+// language): hour, minute and second as two digits each with the locale's separators, the hour
+// on the locale's clock (01:05:09 at 13:05:09 where the clock has 12 hours) and no AM/PM marker.
 [[nodiscard]] std::string currentTime();
-[[nodiscard]] std::string clockTime(const std::tm& local);
+// The same for a given time and the locale's strftime time format (nl_langinfo(T_FMT), such as
+// "%r", "%I:%M:%S %p", "%T" or "%H.%M.%S"); a format without hour, minute and second gives HH:mm:ss.
+[[nodiscard]] std::string clockTime(const std::tm& local, std::string_view localeTimeFormat);
+// A Unicode date pattern of a time ("h:mm:ss a", "HH.mm.ss") as strftime conversions ("%I:%M:%S
+// %p", "%H.%M.%S"), for clockTime; quoted text stays literal.
+[[nodiscard]] std::string timeFormatFromPattern(std::string_view pattern);
 
 }  // namespace Format
 

@@ -44,15 +44,26 @@ TEST(FormatTest, CompactSpeed) {
   EXPECT_EQ(Format::compactSpeed(2'300'000), "2.3M");
 }
 
-TEST(FormatTest, ClockTimeIsTwoDigitsEach) {
+TEST(FormatTest, ClockTimeFollowsTheLocalesClockWithoutAMPM) {
   std::tm t{};
-  t.tm_hour = 7;
+  t.tm_hour = 13;
   t.tm_min = 5;
   t.tm_sec = 9;
-  EXPECT_EQ(Format::clockTime(t), "07:05:09");
-  t.tm_hour = 23;
-  EXPECT_EQ(Format::clockTime(t), "23:05:09");
+  EXPECT_EQ(Format::clockTime(t, "%r"), "01:05:09");        // en_US
+  EXPECT_EQ(Format::clockTime(t, "%T"), "13:05:09");        // de_DE
+  EXPECT_EQ(Format::clockTime(t, "%H.%M.%S"), "13.05.09");  // fi_FI
+  EXPECT_EQ(Format::clockTime(t, "%p %l:%M:%S"), "01:05:09");
+  EXPECT_EQ(Format::clockTime(t, ""), "13:05:09");
+  t.tm_hour = 0;  // midnight and noon are 12 on a 12-hour clock
+  EXPECT_EQ(Format::clockTime(t, "%r"), "12:05:09");
+  t.tm_hour = 12;
+  EXPECT_EQ(Format::clockTime(t, "%r"), "12:05:09");
+  t.tm_hour = 7;
   EXPECT_THAT(Format::currentTime(), ::testing::MatchesRegex("[0-2][0-9]:[0-5][0-9]:[0-6][0-9]"));
+  // macOS hands over a Unicode pattern.
+  EXPECT_EQ(Format::timeFormatFromPattern("h:mm:ss a"), "%I:%M:%S %p");
+  EXPECT_EQ(Format::timeFormatFromPattern("HH'h'mm'' ss"), "%Hh%M' %S");
+  EXPECT_EQ(Format::clockTime(t, Format::timeFormatFromPattern("HH.mm.ss")), "07.05.09");
 }
 
 TEST(FormatTest, TemperatureDisplayRoundsHalvesAwayFromZero) {

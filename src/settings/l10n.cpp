@@ -1,7 +1,12 @@
 #include "settings/l10n.h"
 
-#include "app/log.h"
+#include <unistd.h>
+
+#include <algorithm>
+
 #include "base/file_util.h"
+#include "base/log.h"
+#include "settings/built_in_strings.h"
 #include "settings/locale_names.h"
 #include "settings/strings_file.h"
 
@@ -74,8 +79,18 @@ L10n::L10n(DefaultsStore& defaults, std::string tablesDirectory, std::vector<std
 
 std::shared_ptr<const StringTable> L10n::loadTable(const std::string& code) const {
   const std::string path = tablesDirectory_ + "/" + code + ".lproj/Localizable.strings";
-  const auto bytes = readWholeFile(path);
-  if (!bytes) return nullptr;
+  auto bytes = readWholeFile(path);
+  if (!bytes) {
+    if (std::find(reportedMissing_.begin(), reportedMissing_.end(), code) == reportedMissing_.end()) {
+      reportedMissing_.push_back(code);
+      Log::debug("String table " +
+                 (tablesDirectory_.empty() ? code + " (no table folder beside the program)" : path) +
+                 " not found; " +
+                 (code == "en" ? "the built-in English table is used" : "English texts are shown"));
+    }
+    if (code != "en") return nullptr;
+    bytes = std::string(builtInEnglishStrings());
+  }
   StringsFile file = parseStringsFile(*bytes);
   if (!file.ok()) {
     // A damaged table is left out as a whole: half a table would mix languages unpredictably.
@@ -129,5 +144,19 @@ L10n& L10n::shared() {
 }
 
 std::string L(std::string_view key) { return L10n::shared().string(key); }
+
+std::string findStringTablesNear(const std::string& executable) {
+  if (executable.empty()) return {};
+  // Four levels cover <prefix>/bin/quillmark and <build>/src/app/frontend/quillmark.
+  std::string folder = parentDirectory(executable);
+  for (int level = 0; level < 5; ++level) {
+    const std::string candidate = parentDirectory(folder) + "/share/quillmark/resources";
+    if (access((candidate + "/en.lproj/Localizable.strings").c_str(), R_OK) == 0) return candidate;
+    const std::string up = parentDirectory(folder);
+    if (up == folder) break;
+    folder = up;
+  }
+  return {};
+}
 
 }  // namespace quillmark

@@ -64,7 +64,12 @@ class L10n {
   // hear of the change, so a view that redraws on the notification already gets the new texts.
   Setting<AppLanguage> language;
 
-  // Chosen language, then English, then the key itself.
+  // Texts in `chosen` for this process only, without storing it or telling subscribers: for
+  // renderings of the panel in a given language. The next assignment of `language` ends it.
+  void useLanguageWithoutStoring(AppLanguage chosen) { reload(chosen); }
+
+  // Chosen language, then English (from tablesDirectory, else the copy built into the program),
+  // then the key itself. A missing table of the chosen language is logged once.
   [[nodiscard]] std::string string(std::string_view key) const;
   // string(key) used as a printf-style format (see formatString) with the language's number style.
   [[nodiscard]] std::string format(std::string_view key, std::span<const FormatArg> args) const;
@@ -88,6 +93,7 @@ class L10n {
 
   DefaultsStore& defaults_;
   std::string tablesDirectory_;
+  mutable std::vector<std::string> reportedMissing_;  // table codes already logged as missing
   std::vector<std::string> preferredLanguages_;
   mutable std::mutex mutex_;
   std::shared_ptr<const Tables> tables_;
@@ -111,10 +117,19 @@ template <class... Args>
   return l10n.format(key, list);
 }
 
+// The folder of string tables that belongs to the program at `executable`: the nearest
+// share/quillmark/resources holding an English table among the folders above it (installed as
+// <prefix>/bin and <prefix>/share; in the build tree, <build>/share beside <build>/src/...).
+// Empty when there is none (the built-in English table is then used).
+[[nodiscard]] std::string findStringTablesNear(const std::string& executable);
+
 // Platform parts (l10n_linux.cpp, l10n_darwin.cpp).
 // The system's preferred interface languages, best first, as BCP 47 tags.
 [[nodiscard]] std::vector<std::string> systemPreferredLanguages();
 // The folder that holds the <code>.lproj table folders.
 [[nodiscard]] std::string stringTablesDirectory();
+// The user's locale's time-of-day format in strftime conversions ("%I:%M:%S %p", "%H:%M:%S"),
+// empty when the system will not say.
+[[nodiscard]] std::string systemTimeFormat();
 
 }  // namespace quillmark

@@ -3,6 +3,7 @@
 #include <climits>
 
 #include "base/cf_ref_darwin.h"
+#include "settings/format.h"
 #include "settings/l10n.h"
 
 namespace quillmark {
@@ -17,6 +18,17 @@ std::vector<std::string> systemPreferredLanguages() {
     if (auto text = toStdString(code)) out.push_back(std::move(*text));
   }
   return out;
+}
+
+std::string systemTimeFormat() {
+  // "jms": hour on the locale's clock, minute, second; the locale adds its AM/PM and separators.
+  const CFRef<CFLocaleRef> locale(CFLocaleCopyCurrent());
+  const CFRef<CFStringRef> skeleton = makeCFString("jms");
+  if (!locale || !skeleton) return {};
+  const CFRef<CFStringRef> pattern(
+      CFDateFormatterCreateDateFormatFromTemplate(kCFAllocatorDefault, skeleton.get(), 0, locale.get()));
+  const auto text = toStdString(pattern.get());
+  return text ? Format::timeFormatFromPattern(*text) : std::string();
 }
 
 std::string stringTablesDirectory() {

@@ -1,34 +1,30 @@
-#include <unistd.h>
+#include <langinfo.h>
+#include <locale.h>
 
 #include <cstdlib>
 
-#include "base/file_util.h"
 #include "base/paths.h"
 #include "settings/l10n.h"
 #include "settings/locale_names.h"
 
 namespace quillmark {
-namespace {
-
-bool hasEnglishTable(const std::string& directory) {
-  return access((directory + "/en.lproj/Localizable.strings").c_str(), R_OK) == 0;
-}
-
-}  // namespace
 
 std::vector<std::string> systemPreferredLanguages() {
   return preferredLanguagesFromEnvironment([](const char* name) { return std::getenv(name); });
 }
 
-std::string stringTablesDirectory() {
-  // An installed binary (<prefix>/bin) finds <prefix>/share/quillmark/resources; a binary run from
-  // the build tree uses the source tree's folder, whose path is fixed at build time. Missing tables
-  // there only mean keys are shown as they are.
-  if (const std::string exe = executablePath(); !exe.empty()) {
-    const std::string installed = parentDirectory(exe) + "/../share/quillmark/resources";
-    if (hasEnglishTable(installed)) return installed;
-  }
-  return QM_RESOURCES_DIR;
+// Relative to the running program, never a path fixed at build time: a binary copied away from
+// its build tree must not pick up, or depend on, a source tree that may have moved or changed.
+std::string stringTablesDirectory() { return findStringTablesNear(executablePath()); }
+
+std::string systemTimeFormat() {
+  // newlocale with "" reads LC_ALL, LC_TIME and LANG itself: the program need not have called
+  // setlocale, and a locale that is not installed gives no answer rather than C's.
+  const locale_t time = newlocale(LC_TIME_MASK, "", static_cast<locale_t>(0));
+  if (time == static_cast<locale_t>(0)) return {};
+  std::string format = nl_langinfo_l(T_FMT, time);
+  freelocale(time);
+  return format;
 }
 
 }  // namespace quillmark

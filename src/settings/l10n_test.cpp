@@ -42,17 +42,6 @@ class L10nTest : public ::testing::Test {
   MemoryDefaultsStore store;
 };
 
-TEST(AppLanguageTest, RawValuesInPickerOrder) {
-  std::vector<std::string_view> raw;
-  for (const AppLanguage language : kAllAppLanguages) raw.push_back(rawValue(language));
-  EXPECT_THAT(raw, ElementsAre("system", "en", "zh-Hans", "ja", "de", "fr", "zh-Hant", "es", "ko", "th"));
-  for (const AppLanguage language : kAllAppLanguages)
-    EXPECT_EQ(appLanguageFromRaw(rawValue(language)), language);
-  EXPECT_EQ(appLanguageFromRaw("it"), std::nullopt);
-  EXPECT_EQ(appLanguageFromRaw("zh-hans"), std::nullopt);
-  EXPECT_EQ(displayNameKey(AppLanguage::zhHant), "settings.language.traditionalChinese");
-}
-
 TEST_F(L10nTest, LookupFallsBackToEnglishThenToTheKey) {
   store.set("appLanguage", std::string("de"));
   auto l10n = make();
@@ -68,11 +57,6 @@ TEST_F(L10nTest, TranslationEqualToItsKeyIsStillFound) {
   EXPECT_EQ(make()->string("Abbrechen"), "Abbrechen");
 }
 
-TEST_F(L10nTest, SentinelIsNulMissingNul) {
-  EXPECT_EQ(L10n::kMissingKeySentinel.size(), 14u);
-  EXPECT_EQ(L10n::kMissingKeySentinel, std::string_view("\0L10N_MISSING\0", 14));
-}
-
 TEST_F(L10nTest, UnknownOrAbsentStoredLanguageIsSystem) {
   EXPECT_EQ(make()->language(), AppLanguage::system);
   store.set("appLanguage", std::string("it"));
@@ -81,6 +65,8 @@ TEST_F(L10nTest, UnknownOrAbsentStoredLanguageIsSystem) {
   EXPECT_EQ(l10n->resolvedCode(), "zh-Hant");
   EXPECT_EQ(l10n->string("both"), "兩者");
   EXPECT_EQ(make({"pt-BR"})->resolvedCode(), "en");
+  store.set("appLanguage", std::string("zh-hans"));  // raw values match exactly
+  EXPECT_EQ(make()->language(), AppLanguage::system);
   store.set("appLanguage", true);
   EXPECT_EQ(make()->language(), AppLanguage::system);
 }
@@ -119,16 +105,36 @@ TEST_F(L10nTest, DamagedTableIsIgnoredAndLogged) {
   EXPECT_THAT(*log, HasSubstr("de.lproj/Localizable.strings ignored: line 3: expected ';'"));
 }
 
-TEST_F(L10nTest, MissingFolderShowsKeys) {
+TEST_F(L10nTest, WithoutTablesOnDiskTheBuiltInEnglishIsUsedAndTheMissingTablesAreLoggedOnce) {
+  const std::size_t logBefore = readWholeFile(logFilePath()).value_or("").size();
   auto l10n = std::make_unique<L10n>(store, dir + "/nonexistent", std::vector<std::string>{"de"});
-  EXPECT_EQ(l10n->string("both"), "both");
   EXPECT_EQ(l10n->resolvedCode(), "de");
+  EXPECT_EQ(l10n->string("settings.language.german"), "German (Deutsch)");
+  EXPECT_EQ(l10n->string("both"), "both");  // a key no table has is still shown as itself
+  l10n->language.set(AppLanguage::de);
+  l10n->language.set(AppLanguage::en);
+  const std::string log = readWholeFile(logFilePath()).value_or("").substr(logBefore);
+  for (const std::string code : {"de", "en"}) {
+    const std::string line =
+        "String table " + dir + "/nonexistent/" + code + ".lproj/Localizable.strings not found";
+    const auto first = log.find(line);
+    EXPECT_NE(first, std::string::npos) << log;
+    EXPECT_EQ(log.find(line, first + 1), std::string::npos) << "logged twice: " << line;
+  }
 }
 
-TEST_F(L10nTest, DisplayNamesOfSettingEnumerations) {
-  auto l10n = make();
-  EXPECT_EQ(displayName(PanelModule::gpu, *l10n), "GPU");
-  EXPECT_EQ(displayName(PanelModule::thermal, *l10n), "settings.module.thermal");
+TEST(StringTablesLocationTest, FoundRelativeToTheProgramInstalledOrInTheBuildTree) {
+  const std::string root = testing::makeTempDirectory();
+  for (const std::string prefix : {"/usr", "/build"}) {
+    testing::writeTestFile(root + prefix + "/share/quillmark/resources/en.lproj/Localizable.strings", "");
+  }
+  EXPECT_EQ(findStringTablesNear(root + "/usr/bin/quillmark"), root + "/usr/share/quillmark/resources");
+  EXPECT_EQ(findStringTablesNear(root + "/build/src/app/frontend/quillmark"),
+            root + "/build/share/quillmark/resources");
+  EXPECT_EQ(findStringTablesNear(root + "/elsewhere/quillmark"), "");
+  EXPECT_EQ(findStringTablesNear(""), "");
+  // This test program itself sits in the build tree, whose tables the build keeps current.
+  EXPECT_NE(readWholeFile(stringTablesDirectory() + "/en.lproj/Localizable.strings"), std::nullopt);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #include "settings/launch_at_login.h"
 
-#include "app/log.h"
+#include "base/log.h"
 
 namespace quillmark {
 

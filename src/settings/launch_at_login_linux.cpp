@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "app/log.h"
+#include "base/log.h"
 #include "base/file_util.h"
 #include "base/paths.h"
 

@@ -30,6 +30,8 @@ TEST(LocaleNamesTest, PosixNamesBecomeLanguageTags) {
 TEST(LocaleNamesTest, LanguageListComesFirstThenTheMessagesLocale) {
   EXPECT_THAT(fromEnvironment({{"LANGUAGE", "pt_BR:zh_TW::de"}, {"LANG", "ja_JP.UTF-8"}}),
               ElementsAre("pt-BR", "zh-TW", "de", "ja-JP"));
+  // No locale variable at all (LANG unset): the language list alone decides.
+  EXPECT_THAT(fromEnvironment({{"LANGUAGE", "de"}}), ElementsAre("de"));
 }
 
 TEST(LocaleNamesTest, OnlyTheWinningLocaleVariableCounts) {

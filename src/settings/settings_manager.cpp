@@ -2,42 +2,85 @@
 
 #include <algorithm>
 
-#include "app/log.h"
+#include "base/log.h"
 
 namespace quillmark {
 namespace {
 
-// The load-time checks: each returns the stored value when it passes, else the default.
+// The load-time checks: each returns the stored value when it passes, else the default. A value
+// that is stored but rejected is said in the log with its key, once per load, so a hand edit that
+// had no effect can be explained.
+
+// The default for a value that did not pass; said in the log when something was stored.
+template <class T>
+T rejected(const DefaultsStore& d, std::string_view key, T fallback) {
+  if (d.contains(key)) {
+    Log::debug("Stored setting \"" + std::string(key) +
+               "\" is of the wrong kind or out of range; default used");
+  }
+  return fallback;
+}
+
+template <class T>
+T acceptedOr(const DefaultsStore& d, std::string_view key, std::optional<T> accepted, T fallback) {
+  return accepted ? std::move(*accepted) : rejected(d, key, std::move(fallback));
+}
+
+bool boolOr(const DefaultsStore& d, std::string_view key, bool fallback) {
+  return acceptedOr(d, key, d.getBool(key), fallback);
+}
 
 double intervalOrDefault(const DefaultsStore& d) {
   const auto v = d.getDouble("refreshInterval");
-  return v && (*v == 1.0 || *v == 2.0 || *v == 5.0) ? *v : 2.0;
+  if (v && (*v == 1.0 || *v == 2.0 || *v == 5.0)) return *v;
+  return rejected(d, "refreshInterval", 2.0);
 }
 
 double positiveOr(const DefaultsStore& d, std::string_view key, double fallback) {
   const auto v = d.getDouble(key);
-  return v && *v > 0 ? *v : fallback;
+  return acceptedOr(d, key, v && *v > 0 ? v : std::nullopt, fallback);
 }
 
 double comfortTargetOrDefault(const DefaultsStore& d) {
   const auto v = d.getDouble("comfortTargetC");
-  return v && *v >= 35.0 && *v <= 42.0 ? *v : 38.0;
+  if (v && *v >= 35.0 && *v <= 42.0) return *v;
+  return rejected(d, "comfortTargetC", 38.0);
 }
 
 std::set<PanelModule> hiddenModulesOrDefault(const DefaultsStore& d) {
-  std::set<PanelModule> modules;
-  for (const std::string& raw : d.getStringArray("hiddenModules").value_or(std::vector<std::string>{})) {
-    if (const auto module = panelModuleFromRaw(raw)) modules.insert(*module);
+  // Unknown names are dropped and the known ones kept (a newer version may have added modules).
+  std::optional<std::set<PanelModule>> modules;
+  if (const auto raw = d.getStringArray("hiddenModules")) {
+    modules.emplace();
+    bool unknown = false;
+    for (const std::string& name : *raw) {
+      const auto module = panelModuleFromRaw(name);
+      if (module)
+        modules->insert(*module);
+      else
+        unknown = true;
+    }
+    if (unknown) {
+      Log::debug("Stored setting \"hiddenModules\" names unknown modules; they are ignored");
+    }
   }
-  return modules;
+  return acceptedOr(d, "hiddenModules", std::move(modules), std::set<PanelModule>{});
 }
 
 MenuBarMode menuBarModeOrDefault(const DefaultsStore& d) {
-  return menuBarModeFromRaw(d.getString("menuBarStyle").value_or("")).value_or(MenuBarMode::icon);
+  const auto raw = d.getString("menuBarStyle");
+  return acceptedOr(d, "menuBarStyle", raw ? menuBarModeFromRaw(*raw) : std::nullopt, MenuBarMode::icon);
 }
 
 TempUnit tempUnitOrDefault(const DefaultsStore& d) {
-  return tempUnitFromRaw(d.getString("tempUnit").value_or("")).value_or(TempUnit::celsius);
+  const auto raw = d.getString("tempUnit");
+  return acceptedOr(d, "tempUnit", raw ? tempUnitFromRaw(*raw) : std::nullopt, TempUnit::celsius);
+}
+
+// Runs first in the constructor, so the store's own problems precede those of single values.
+const DefaultsStore& logStoreProblems(const DefaultsStore& d) {
+  for (const std::string& problem : d.loadProblems()) Log::debug(problem);
+  return d;
 }
 
 }  // namespace
@@ -49,10 +92,12 @@ SettingsManager::SettingsManager(DefaultsStore& defaults, std::function<void(dou
       permission_(permission),
       launchAtLogin_(loginItem),
       lifetime_(std::make_shared<SettingsManager*>(this)),
-      launchAtLogin(launchAtLogin_.isEnabled(), [this](bool v) { applyLaunchAtLogin(v); }),
-      killWhitelist(defaults.getStringArray("killWhitelist").value_or(std::vector<std::string>{}),
+      launchAtLogin((logStoreProblems(defaults), launchAtLogin_.isEnabled()),
+                    [this](bool v) { applyLaunchAtLogin(v); }),
+      killWhitelist(acceptedOr(defaults, "killWhitelist", defaults.getStringArray("killWhitelist"),
+                               std::vector<std::string>{}),
                     [this](const std::vector<std::string>& v) { defaults_.set("killWhitelist", v); }),
-      comfortEnabled(defaults.getBool("comfortEnabled").value_or(false),
+      comfortEnabled(boolOr(defaults, "comfortEnabled", false),
                      [this](bool v) { defaults_.set("comfortEnabled", v); }),
       comfortTargetC(comfortTargetOrDefault(defaults),
                      [this](double v) { defaults_.set("comfortTargetC", v); }),
@@ -63,20 +108,21 @@ SettingsManager::SettingsManager(DefaultsStore& defaults, std::function<void(dou
                       }),
       menuBarMode(menuBarModeOrDefault(defaults),
                   [this](MenuBarMode v) { defaults_.set("menuBarStyle", std::string(rawValue(v))); }),
-      showNetSpeed(defaults.getBool("showNetSpeed").value_or(false),
+      showNetSpeed(boolOr(defaults, "showNetSpeed", false),
                    [this](bool v) { defaults_.set("showNetSpeed", v); }),
       hiddenModules(hiddenModulesOrDefault(defaults),
                     [this](const std::set<PanelModule>& v) { storeHiddenModules(v); }),
       tempUnit(tempUnitOrDefault(defaults),
                [this](TempUnit v) { defaults_.set("tempUnit", std::string(rawValue(v))); }),
-      alertsEnabled(defaults.getBool("alertsEnabled").value_or(false),
-                    [this](bool v) { applyAlertsEnabled(v); }),
+      alertsEnabled(boolOr(defaults, "alertsEnabled", false), [this](bool v) { applyAlertsEnabled(v); }),
       cpuAlarmThreshold(positiveOr(defaults, "cpuAlarm", 85.0),
                         [this](double v) { defaults_.set("cpuAlarm", v); }),
       memAlarmThreshold(positiveOr(defaults, "memAlarm", 90.0),
                         [this](double v) { defaults_.set("memAlarm", v); }),
       tempAlarmThreshold(positiveOr(defaults, "tempAlarm", 85.0),
-                         [this](double v) { defaults_.set("tempAlarm", v); }) {}
+                         [this](double v) { defaults_.set("tempAlarm", v); }),
+      surfaceSensor(acceptedOr(defaults, "surfaceSensor", defaults.getString("surfaceSensor"), std::string()),
+                    [this](const std::string& v) { defaults_.set("surfaceSensor", v); }) {}
 
 void SettingsManager::storeHiddenModules(const std::set<PanelModule>& modules) {
   std::vector<std::string> raw;

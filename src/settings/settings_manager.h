@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/defaults_store.h"
+#include "base/shared_instance.h"
 #include "settings/launch_at_login.h"
 #include "settings/notification_permission.h"
 #include "settings/setting.h"
@@ -44,9 +45,8 @@ class SettingsManager {
   SettingsManager(const SettingsManager&) = delete;
   SettingsManager& operator=(const SettingsManager&) = delete;
 
-  // Wired to the platform's defaults, the shared Monitor, the notification permission slot and
-  // the platform's login item.
-  static SettingsManager& shared();
+  // The process-wide settings that the composition root (app/services) built and installed.
+  static SettingsManager& shared() { return SharedInstance<SettingsManager>::get(); }
 
   // In the order they are read at start.
   Setting<bool> launchAtLogin;                      // not stored; the login item's state
@@ -62,6 +62,9 @@ class SettingsManager {
   Setting<double> cpuAlarmThreshold;                // "cpuAlarm", percent > 0, default 85
   Setting<double> memAlarmThreshold;                // "memAlarm", percent > 0, default 90
   Setting<double> tempAlarmThreshold;               // "tempAlarm", °C > 0, default 85
+  // "surfaceSensor": the temperature sensor that stands for the palm rest on Linux, as
+  // "chip/attribute" ("thinkpad/temp3"); default empty, meaning no surface temperature.
+  Setting<std::string> surfaceSensor;
 
   [[nodiscard]] bool isVisible(PanelModule module) const;
   void setVisible(PanelModule module, bool visible);

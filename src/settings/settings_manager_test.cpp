@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/file_util.h"
+#include "base/json_defaults_store.h"
 #include "base/paths.h"
 #include "settings/testing/fakes.h"
 #include "settings/testing/temp_environment.h"
@@ -40,77 +41,58 @@ class SettingsManagerTest : public ::testing::Test {
 
 // --- Loading: every key with invalid, boundary and valid values ---
 
-TEST_F(SettingsManagerTest, EmptyStoreGivesEveryDefaultAndWritesNothing) {
+TEST_F(SettingsManagerTest, EmptyStoreGivesTheDefaultsAndWritesNothing) {
   auto s = make();
-  EXPECT_EQ(s->refreshInterval(), 2.0);
   EXPECT_EQ(s->menuBarMode(), MenuBarMode::icon);
-  EXPECT_FALSE(s->showNetSpeed());
-  EXPECT_TRUE(s->hiddenModules().empty());
-  EXPECT_EQ(s->tempUnit(), TempUnit::celsius);
-  EXPECT_FALSE(s->launchAtLogin());
-  EXPECT_FALSE(s->alertsEnabled());
-  EXPECT_EQ(s->cpuAlarmThreshold(), 85.0);
-  EXPECT_EQ(s->memAlarmThreshold(), 90.0);
-  EXPECT_EQ(s->tempAlarmThreshold(), 85.0);
-  EXPECT_TRUE(s->killWhitelist().empty());
-  EXPECT_FALSE(s->comfortEnabled());
-  EXPECT_EQ(s->comfortTargetC(), 38.0);
+  EXPECT_FALSE(s->showNetSpeed() || s->launchAtLogin() || s->alertsEnabled() || s->comfortEnabled());
+  EXPECT_TRUE(s->hiddenModules().empty() && s->killWhitelist().empty());
+  EXPECT_EQ(s->surfaceSensor(), "");
   EXPECT_TRUE(s->isFirstRun());
   EXPECT_EQ(store.writeCount(), 0);
   EXPECT_TRUE(intervals.empty());
 }
 
-TEST_F(SettingsManagerTest, RefreshIntervalAcceptsOnlyOneTwoOrFive) {
-  for (const double bad : {3.0, 0.5, 0.0, -2.0, 2.0000001, 10.0}) {
-    store.set("refreshInterval", bad);
-    EXPECT_EQ(make()->refreshInterval(), 2.0) << bad;
+// Each number alone under its key: what loads, and the default for anything out of range or of
+// another kind. A rejected value is left in the store as it was.
+TEST_F(SettingsManagerTest, NumbersOutOfRangeOrOfAnotherKindLoadAsTheDefault) {
+  struct Case {
+    const char* key;
+    double (*get)(const SettingsManager&);
+    double fallback;
+    std::vector<double> bad, good;
+  };
+  const Case cases[] = {
+      {"refreshInterval",
+       [](const SettingsManager& s) { return s.refreshInterval(); },
+       2.0,
+       {3.0, 0.5, 0.0, -2.0, 2.0000001, 10.0},
+       {1.0, 2.0, 5.0}},
+      {"comfortTargetC",
+       [](const SettingsManager& s) { return s.comfortTargetC(); },
+       38.0,
+       {34.9, 42.1, 0.0, -40.0},
+       {35.0, 42.0, 39.5}},
+      // The alarm keys are short; the property names ("cpuAlarmThreshold") are not keys.
+      {"cpuAlarm", [](const SettingsManager& s) { return s.cpuAlarmThreshold(); }, 85.0, {0.0, -5.0}, {1.0}},
+      {"memAlarm", [](const SettingsManager& s) { return s.memAlarmThreshold(); }, 90.0, {0.0, -5.0}, {0.5}},
+      {"tempAlarm", [](const SettingsManager& s) { return s.tempAlarmThreshold(); }, 85.0, {0.0}, {70.0}},
+  };
+  store.set("cpuAlarmThreshold", 10.0);
+  for (const Case& c : cases) {
+    for (const double bad : c.bad) {
+      store.set(c.key, bad);
+      const int writes = store.writeCount();
+      EXPECT_EQ(c.get(*make()), c.fallback) << c.key << " " << bad;
+      EXPECT_EQ(store.getDouble(c.key), bad);
+      EXPECT_EQ(store.writeCount(), writes);
+    }
+    for (const double good : c.good) {
+      store.set(c.key, good);
+      EXPECT_EQ(c.get(*make()), good) << c.key;
+    }
+    store.set(c.key, std::string("5"));
+    EXPECT_EQ(c.get(*make()), c.fallback) << c.key;
   }
-  for (const double good : {1.0, 2.0, 5.0}) {
-    store.set("refreshInterval", good);
-    EXPECT_EQ(make()->refreshInterval(), good);
-  }
-  store.set("refreshInterval", std::string("5"));
-  EXPECT_EQ(make()->refreshInterval(), 2.0);
-}
-
-TEST_F(SettingsManagerTest, RejectedValueIsNotWrittenBackAtLoad) {
-  store.set("refreshInterval", 3.0);
-  const int writes = store.writeCount();
-  (void)make();
-  EXPECT_EQ(store.getDouble("refreshInterval"), 3.0);
-  EXPECT_EQ(store.writeCount(), writes);
-}
-
-TEST_F(SettingsManagerTest, ComfortTargetBoundsAreInclusive) {
-  for (const double bad : {34.9, 42.1, 0.0, -40.0}) {
-    store.set("comfortTargetC", bad);
-    EXPECT_EQ(make()->comfortTargetC(), 38.0) << bad;
-  }
-  for (const double good : {35.0, 42.0, 39.5}) {
-    store.set("comfortTargetC", good);
-    EXPECT_EQ(make()->comfortTargetC(), good);
-  }
-}
-
-TEST_F(SettingsManagerTest, AlarmThresholdsUseShortKeysAndMustBePositive) {
-  store.set("cpuAlarmThreshold", 10.0);  // the property name is not the key
-  EXPECT_EQ(make()->cpuAlarmThreshold(), 85.0);
-  for (const double bad : {0.0, -5.0}) {
-    store.set("cpuAlarm", bad);
-    store.set("memAlarm", bad);
-    store.set("tempAlarm", bad);
-    auto s = make();
-    EXPECT_EQ(s->cpuAlarmThreshold(), 85.0);
-    EXPECT_EQ(s->memAlarmThreshold(), 90.0);
-    EXPECT_EQ(s->tempAlarmThreshold(), 85.0);
-  }
-  store.set("cpuAlarm", 1.0);
-  store.set("memAlarm", 0.5);
-  store.set("tempAlarm", std::string("70"));
-  auto s = make();
-  EXPECT_EQ(s->cpuAlarmThreshold(), 1.0);
-  EXPECT_EQ(s->memAlarmThreshold(), 0.5);
-  EXPECT_EQ(s->tempAlarmThreshold(), 85.0);
 }
 
 TEST_F(SettingsManagerTest, HiddenModulesDropUnknownNames) {
@@ -123,14 +105,17 @@ TEST_F(SettingsManagerTest, HiddenModulesDropUnknownNames) {
   EXPECT_TRUE(make()->hiddenModules().empty());
 }
 
-TEST_F(SettingsManagerTest, BooleansMustBeStoredAsBooleans) {
+TEST_F(SettingsManagerTest, BooleansAndStringsMustBeStoredAsSuch) {
   store.set("showNetSpeed", std::string("true"));
   store.set("alertsEnabled", 1.0);
   store.set("comfortEnabled", Strings{"yes"});
+  store.set("surfaceSensor", 3.0);
   auto s = make();
   EXPECT_FALSE(s->showNetSpeed());
   EXPECT_FALSE(s->alertsEnabled());
   EXPECT_FALSE(s->comfortEnabled());
+  EXPECT_EQ(s->surfaceSensor(), "");
+  store.set("surfaceSensor", std::string("thinkpad/temp3"));
   store.set("showNetSpeed", true);
   store.set("alertsEnabled", true);
   store.set("comfortEnabled", true);
@@ -138,6 +123,7 @@ TEST_F(SettingsManagerTest, BooleansMustBeStoredAsBooleans) {
   EXPECT_TRUE(s->showNetSpeed());
   EXPECT_TRUE(s->alertsEnabled());
   EXPECT_TRUE(s->comfortEnabled());
+  EXPECT_EQ(s->surfaceSensor(), "thinkpad/temp3");
   EXPECT_EQ(permission.requests, 0);  // loading an enabled toggle asks nothing
 }
 
@@ -154,12 +140,27 @@ TEST_F(SettingsManagerTest, EnumerationsReadOnlyTheirExactRawValue) {
   EXPECT_EQ(make()->tempUnit(), TempUnit::fahrenheit);
 }
 
-TEST_F(SettingsManagerTest, LaunchAtLoginIsReadFromTheSystem) {
-  store.set("launchAtLogin", false);  // never stored; a stale key must not matter
-  items.current = LoginItemService::kEnabled;
-  EXPECT_TRUE(make()->launchAtLogin());
-  items.current = LoginItemService::kRequiresApproval;
-  EXPECT_FALSE(make()->launchAtLogin());
+TEST_F(SettingsManagerTest, RejectedStoredValuesAndADamagedFileAreLoggedOnceEach) {
+  const std::string dir = testing::makeTempDirectory();
+  testing::writeTestFile(dir + "/settings.json", R"({"refreshInterval": 3, "showNetSpeed": "yes",
+      "killWhitelist": [1, "x"], "cpuAlarm": null, "hiddenModules": ["gpu", "warp"], "menuBarStyle": "text"})");
+  testing::writeTestFile(dir + "/damaged/settings.json", "{");
+  const std::size_t before = readWholeFile(logFilePath()).value_or("").size();
+  JsonDefaultsStore json(dir + "/settings.json");
+  JsonDefaultsStore damaged(dir + "/damaged/settings.json");
+  (void)SettingsManager(json, {}, permission, loginItem);
+  (void)SettingsManager(damaged, {}, permission, loginItem);
+  const std::string log = readWholeFile(logFilePath()).value_or("").substr(before);
+  const auto count = [&log](const std::string& needle) {
+    std::size_t n = 0;
+    for (auto at = log.find(needle); at != std::string::npos; at = log.find(needle, at + 1)) ++n;
+    return n;
+  };
+  for (const char* key : {"refreshInterval", "showNetSpeed", "killWhitelist", "cpuAlarm", "hiddenModules"}) {
+    EXPECT_EQ(count("Stored setting \"" + std::string(key) + "\""), 1u) << key << "\n" << log;
+  }
+  EXPECT_EQ(count("menuBarStyle"), 0u);
+  EXPECT_EQ(count("copy kept at " + damaged.setAsidePath()), 1u) << log;
 }
 
 // --- Stored forms after each assignment ---
@@ -176,6 +177,7 @@ TEST_F(SettingsManagerTest, EachAssignmentIsStoredAtOnceUnderItsKey) {
   s->comfortEnabled.set(true);
   s->comfortTargetC.set(40.0);
   s->killWhitelist.set({"b", "a"});
+  s->surfaceSensor.set("acpitz/temp1");
   EXPECT_EQ(store.getDouble("refreshInterval"), 5.0);
   EXPECT_EQ(store.getString("menuBarStyle"), "text");
   EXPECT_EQ(store.getBool("showNetSpeed"), true);
@@ -186,6 +188,7 @@ TEST_F(SettingsManagerTest, EachAssignmentIsStoredAtOnceUnderItsKey) {
   EXPECT_EQ(store.getBool("comfortEnabled"), true);
   EXPECT_EQ(store.getDouble("comfortTargetC"), 40.0);
   EXPECT_EQ(store.getStringArray("killWhitelist"), (Strings{"b", "a"}));
+  EXPECT_EQ(store.getString("surfaceSensor"), "acpitz/temp1");
   EXPECT_FALSE(store.get("launchAtLogin"));
 
   auto reloaded = make();
@@ -201,16 +204,6 @@ TEST_F(SettingsManagerTest, RefreshIntervalIsHandedToTheSamplerAfterStoring) {
   s->refreshInterval.set(5.0);
   EXPECT_THAT(intervals, ElementsAre(1.0, 5.0));
   EXPECT_THAT(storedAtHandOff, ElementsAre(1.0, 5.0));
-}
-
-TEST_F(SettingsManagerTest, SubscribersSeeTheNewValue) {
-  auto s = make();
-  std::vector<MenuBarMode> seen;
-  const auto token = s->menuBarMode.subscribe([&](const MenuBarMode& m) { seen.push_back(m); });
-  s->menuBarMode.set(MenuBarMode::text);
-  s->menuBarMode.unsubscribe(token);
-  s->menuBarMode.set(MenuBarMode::icon);
-  EXPECT_THAT(seen, ElementsAre(MenuBarMode::text));
 }
 
 TEST_F(SettingsManagerTest, HiddenModulesAreStoredSortedByName) {
@@ -250,6 +243,15 @@ TEST_F(SettingsManagerTest, FirstRunEndsWithMarkLaunched) {
 
 // --- Notification permission ---
 
+TEST_F(SettingsManagerTest, GrantedPermissionKeepsAlertsOnAndOffAsksNothing) {
+  auto s = make();
+  s->alertsEnabled.set(true);
+  EXPECT_TRUE(s->alertsEnabled());
+  s->alertsEnabled.set(false);
+  EXPECT_EQ(store.getBool("alertsEnabled"), false);
+  EXPECT_EQ(permission.requests, 1);
+}
+
 TEST_F(SettingsManagerTest, RefusedPermissionTurnsAlertsBackOffAfterAskingOnce) {
   permission.answer = false;
   auto s = make();
@@ -263,16 +265,6 @@ TEST_F(SettingsManagerTest, RefusedPermissionTurnsAlertsBackOffAfterAskingOnce) 
   const auto log = readWholeFile(logFilePath());
   ASSERT_TRUE(log);
   EXPECT_THAT(*log, HasSubstr("Notification permission denied; alert toggle reverted"));
-}
-
-TEST_F(SettingsManagerTest, GrantedPermissionKeepsAlertsOnAndOffAsksNothing) {
-  auto s = make();
-  s->alertsEnabled.set(true);
-  EXPECT_TRUE(s->alertsEnabled());
-  EXPECT_EQ(store.getBool("alertsEnabled"), true);
-  s->alertsEnabled.set(false);
-  EXPECT_EQ(store.getBool("alertsEnabled"), false);
-  EXPECT_EQ(permission.requests, 1);
 }
 
 TEST_F(SettingsManagerTest, LateRefusalRevertsAndAnAnswerAfterTheStoreIsGoneIsIgnored) {
@@ -293,40 +285,39 @@ TEST_F(SettingsManagerTest, LateRefusalRevertsAndAnAnswerAfterTheStoreIsGoneIsIg
 
 // --- Launch at login ---
 
-TEST_F(SettingsManagerTest, FailedRegistrationSnapsTheToggleBackToTheSystemState) {
-  items.registerError = "The operation couldn't be completed.";
-  auto s = make();
-  std::vector<bool> seen;
-  (void)s->launchAtLogin.subscribe([&](const bool& v) { seen.push_back(v); });
-  s->launchAtLogin.set(true);
-  EXPECT_FALSE(s->launchAtLogin());
-  EXPECT_EQ(items.registerCalls, 1);
-  EXPECT_THAT(seen, ElementsAre(true, false));
+TEST_F(SettingsManagerTest, AFailedOrUnapprovedRegistrationSnapsTheToggleBack) {
+  for (const bool approval : {false, true}) {
+    testing::FakeLoginItems service;
+    if (approval)
+      service.statusAfterRegister = LoginItemService::kRequiresApproval;
+    else
+      service.registerError = "The operation couldn't be completed.";
+    LaunchAtLogin login{service};
+    SettingsManager s(store, {}, permission, login);
+    std::vector<bool> seen;
+    (void)s.launchAtLogin.subscribe([&](const bool& v) { seen.push_back(v); });
+    s.launchAtLogin.set(true);
+    EXPECT_FALSE(s.launchAtLogin());
+    EXPECT_THAT(seen, ElementsAre(true, false));
+    EXPECT_EQ(service.registerCalls, 1);
+    EXPECT_EQ(service.unregisterCalls, 0);  // the snap-back does not call the service
+  }
 }
 
-TEST_F(SettingsManagerTest, RegistrationAwaitingApprovalAlsoSnapsBack) {
-  items.statusAfterRegister = LoginItemService::kRequiresApproval;
+TEST_F(SettingsManagerTest, LaunchAtLoginFollowsTheSystemNotTheStore) {
+  store.set("launchAtLogin", true);  // never stored; a stale key must not matter
+  items.current = LoginItemService::kRequiresApproval;
   auto s = make();
-  s->launchAtLogin.set(true);
   EXPECT_FALSE(s->launchAtLogin());
-  EXPECT_EQ(items.registerCalls, 1);
-  EXPECT_EQ(items.unregisterCalls, 0);  // the snap-back does not call the service
-}
-
-TEST_F(SettingsManagerTest, SuccessfulChangesStay) {
-  auto s = make();
   s->launchAtLogin.set(true);
-  EXPECT_TRUE(s->launchAtLogin());
   EXPECT_EQ(items.current, LoginItemService::kEnabled);
   s->launchAtLogin.set(false);
-  EXPECT_FALSE(s->launchAtLogin());
   EXPECT_EQ(items.current, LoginItemService::kNotRegistered);
-}
+  items.registerCalls = items.unregisterCalls = 0;
 
-TEST_F(SettingsManagerTest, RefreshPublishesAChangeMadeOutsideWithoutCallingTheService) {
-  auto s = make();
   int notifications = 0;
   (void)s->launchAtLogin.subscribe([&](const bool&) { ++notifications; });
+  // A change made outside (System Settings) is published without calling the service.
   s->refreshLaunchAtLogin();
   EXPECT_EQ(notifications, 0);
   items.current = LoginItemService::kEnabled;

@@ -31,16 +31,16 @@ TEST(StringsFileTest, EntriesCommentsAndWhitespace) {
       "  \"c\"\t=\"Two\" ; // trailing\n"
       "\"d\" /* inside */ = /* too */ \"Three\";\n"
       "\"same\";\n"
-      "unquoted.key = plain-value;\n");
+      "unquoted.key = plain-value;\n"
+      "\"k\" = \"1\";\n\"k\" = \"2\";");  // a later duplicate is kept, in order
   ASSERT_TRUE(file.ok()) << file.error->describe();
-  EXPECT_EQ(
-      file.entries,
-      (std::vector<Entry>{
-          {"a.b", "One"}, {"c", "Two"}, {"d", "Three"}, {"same", "same"}, {"unquoted.key", "plain-value"}}));
-}
-
-TEST(StringsFileTest, EmptyAndCommentOnlyInputsHaveNoEntries) {
-  EXPECT_TRUE(parseStringsFile("").ok());
+  EXPECT_EQ(file.entries, (std::vector<Entry>{{"a.b", "One"},
+                                              {"c", "Two"},
+                                              {"d", "Three"},
+                                              {"same", "same"},
+                                              {"unquoted.key", "plain-value"},
+                                              {"k", "1"},
+                                              {"k", "2"}}));
   EXPECT_TRUE(parseStringsFile("// nothing\n/* here */").entries.empty());
 }
 
@@ -55,12 +55,7 @@ TEST(StringsFileTest, Escapes) {
   EXPECT_EQ(valueOf(R"("k" = "\UD83D\UDE00";)"), "\xF0\x9F\x98\x80");  // a surrogate pair
   EXPECT_EQ(valueOf("\"k\" = \"CPU %1$.0f%%\";"), "CPU %1$.0f%%");     // placeholders stay as written
   EXPECT_EQ(valueOf("\"k\" = \"two\nlines\";"), "two\nlines");
-}
-
-TEST(StringsFileTest, LaterDuplicateIsKeptInOrder) {
-  const StringsFile file = parseStringsFile("\"k\" = \"1\";\n\"k\" = \"2\";");
-  ASSERT_TRUE(file.ok());
-  EXPECT_EQ(file.entries, (std::vector<Entry>{{"k", "1"}, {"k", "2"}}));
+  EXPECT_EQ(valueOf("\xEF\xBB\xBF\"k\" = \"v\";"), "v");  // a UTF-8 byte order mark is skipped
 }
 
 TEST(StringsFileTest, MalformedInputNamesTheLine) {
@@ -120,8 +115,6 @@ TEST(StringsFileTest, Utf16WithByteOrderMark) {
   const std::u16string lone = {u'"', u'k', u'"', u';', 0xD800, u'\n'};
   EXPECT_THAT(errorOf(utf16(lone, false)).message, HasSubstr("unpaired"));
 }
-
-TEST(StringsFileTest, Utf8ByteOrderMarkIsSkipped) { EXPECT_EQ(valueOf("\xEF\xBB\xBF\"k\" = \"v\";"), "v"); }
 
 TEST(StringsFileTest, ArbitraryBytesNeverCrash) {
   std::string bytes;

@@ -1,52 +1,72 @@
 #pragma once
 
-#include <cstdio>
 #include <functional>
-#include <optional>
+#include <memory>
 #include <string>
 
+#include "app/frontend/bar_context.h"
+#include "app/frontend/front_end_options.h"
+#include "base/main_loop.h"
 #include "sampling/monitor.h"
 
 namespace quillmark {
 
-struct FrontEndOptions {
-  bool json = false;
-  bool help = false;
-  bool version = false;
-  std::optional<long> count;  // lines to print before exiting
+class I3barOutput;
+class L10n;
+class SettingsManager;
 
-  // Absent with a message in `error` for an unknown option or a bad count.
-  static std::optional<FrontEndOptions> parse(int argc, const char* const* argv, std::string& error);
-};
-
-// Where the front end gets the two preferences it honours; asked at start and on every tick.
+// Where the front end gets the preferences it honours; asked at start and on every line.
 struct FrontEndSettings {
   std::function<double()> refreshInterval;
   std::function<bool()> showNetSpeed;
+  std::function<TempUnit()> tempUnit;
+  std::function<AlarmThresholds()> thresholds;
+
+  // Reads them from the settings store, which must outlive the result.
+  static FrontEndSettings of(const SettingsManager& settings);
 };
 
-// Drives the monitor for the terminal: text mode prints the status text on every tick with the
-// panel closed (only the cheap readers run); JSON mode publishes as if the panel were open and
-// prints every applied snapshot. Main thread only.
+// Drives the monitor for the terminal and prints one line per refresh in the chosen format. Text
+// mode keeps the monitor on its cheap path (as with the panel closed); the other formats publish as
+// if the panel were open, since they show disk, sensors and processes.
+//
+// Every line tells the truth about a measured interval: the first measurement only primes the
+// counters (CPU ticks, network bytes, process times) and prints nothing; a second one kPrimingSeconds
+// later gives the first line, and the stored refresh interval takes over from there. So a one-shot
+// `--count 1` takes about a second and reports that second's load.
+//
+// Lines go to `emit` with keep set for protocol framing that must never be dropped (the i3bar
+// header and first array). `finish` is called once after --count lines. Main thread only.
 class FrontEnd {
  public:
-  FrontEnd(FrontEndOptions options, FrontEndSettings settings, Monitor& monitor, std::FILE* out,
-           std::function<void()> finish);
+  static constexpr double kPrimingSeconds = 1.0;
+  using Emit = std::function<void(std::string line, bool keep)>;
 
-  void start();  // at the stored refresh interval
+  FrontEnd(FrontEndOptions options, FrontEndSettings settings, Monitor& monitor, MainLoop& loop,
+           const L10n& l10n, Emit emit, std::function<void()> finish);
+  ~FrontEnd();
+  FrontEnd(const FrontEnd&) = delete;
+  FrontEnd& operator=(const FrontEnd&) = delete;
+
+  void start();
   void stop();
-  [[nodiscard]] bool outputFailed() const { return outputFailed_; }
 
  private:
-  void emit(const std::string& line);
+  void measureAfterPriming();
+  void print(const Monitor::Snapshot& snapshot);
+  [[nodiscard]] BarContext barContext() const;
 
   FrontEndOptions options_;
   FrontEndSettings settings_;
   Monitor& monitor_;
-  std::FILE* out_;
+  MainLoop& loop_;
+  const L10n& l10n_;
+  Emit emit_;
   std::function<void()> finish_;
+  std::shared_ptr<FrontEnd*> alive_;  // lets a delayed task outlive the front end harmlessly
+  bool primed_ = false;
   long printed_ = 0;
-  bool outputFailed_ = false;
+  std::unique_ptr<I3barOutput> i3bar_;  // from the first line of --i3bar on
 };
 
 }  // namespace quillmark

@@ -1,35 +1,50 @@
-// The Linux front end until the panel exists: prints the status-item text once per tick, or with
-// --json every applied snapshot as one JSON line, for terminals and status bars (waybar, tmux,
-// i3bar). SIGINT and SIGTERM end it cleanly; so does a reader that goes away.
+// The Linux terminal program: prints one line per refresh for terminals and status bars, as the
+// status text, every snapshot as JSON, waybar's custom-module objects or the i3bar protocol.
+// SIGINT, SIGTERM and SIGHUP end it cleanly within a second, whatever it is doing; so does a reader
+// that goes away, while a reader that merely stops reading only misses lines.
 
-#include <sys/signalfd.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
+#include "app/desktop/desktop_commands.h"
 #include "app/frontend/front_end.h"
-#include "app/log.h"
+#include "app/frontend/line_writer.h"
+#include "app/frontend/stop_signals.h"
+#include "app/services/app_services.h"
+#include "base/log.h"
 #include "base/poll_main_loop.h"
-#include "sampling/monitor.h"
+#include "settings/l10n.h"
 #include "settings/settings_manager.h"
+#include "views/render_panel.h"
 
 namespace {
 
 constexpr const char* kUsage =
-    "usage: quillmark [--json] [--count N]\n"
+    "usage: quillmark [--status-line | --json | --waybar | --i3bar] [--count N]\n"
+    "       quillmark --serve | ctl <verb> ...\n"
     "\n"
-    "Prints the menu-bar text of Quillmark (\"CPU 12% MEM 63%\") once per refresh interval.\n"
-    "  --json       print every measurement as one JSON line instead (all fields, null when absent)\n"
-    "  --count N    exit after N lines\n"
-    "  --help       show this text\n"
-    "  --version    show the version\n";
+    "Prints what Quillmark measures once per refresh interval; the first line comes after one\n"
+    "second of measuring, so even a single line tells the truth.\n"
+    "  --status-line  the menu-bar text, \"CPU 12% MEM 63%\" (the default)\n"
+    "  --json         every measurement as one JSON line (all fields, null when absent)\n"
+    "  --waybar       one JSON object per line for a waybar custom module (return-type json)\n"
+    "  --i3bar        the i3bar protocol, for i3bar and swaybar (status_command)\n"
+    "  --count N      exit after N lines (N status arrays with --i3bar)\n"
+    "  --serve        no output: answer scripts on the session bus (quillmark ctl --help)\n"
+    "  --render-panel FILE.png  draw the panel into a PNG instead (see --render-panel --help)\n"
+    "  --help         show this text\n"
+    "  --version      show the version\n";
 
 }  // namespace
 
 int main(int argc, char** argv) {
   using namespace quillmark;
+  if (wantsRenderPanel(argc, argv)) return renderPanelMain(argc, argv);
+  if (argc >= 2 && std::strcmp(argv[1], "ctl") == 0) return ctlMain(argc - 1, argv + 1);
   std::string error;
   const auto options = FrontEndOptions::parse(argc, argv, error);
   if (!options) {
@@ -44,36 +59,53 @@ int main(int argc, char** argv) {
     std::puts("quillmark " QM_VERSION);
     return 0;
   }
+  if (options->serve) return serveMain();
 
+  // Before any thread starts, so that every thread inherits the blocked stop signals.
+  StopSignals stopSignals;
   // A closed pipe must end the program through a failed write, not kill it mid-line.
   std::signal(SIGPIPE, SIG_IGN);
-  sigset_t stopSignals;
-  sigemptyset(&stopSignals);
-  sigaddset(&stopSignals, SIGINT);
-  sigaddset(&stopSignals, SIGTERM);
-  // Blocked before any thread starts, so every thread inherits the mask and the signalfd alone
-  // receives them.
-  pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
-  const int signalFd = signalfd(-1, &stopSignals, SFD_CLOEXEC | SFD_NONBLOCK);
 
   PollMainLoop& loop = PollMainLoop::shared();
-  if (signalFd >= 0) {
-    loop.watchReadable(signalFd, [&loop, signalFd] {
-      signalfd_siginfo info{};
-      (void)!read(signalFd, &info, sizeof info);
-      loop.quit();
+  if (stopSignals.fd() >= 0) {
+    loop.watchReadable(stopSignals.fd(), [&loop, &stopSignals] {
+      if (const int signal = stopSignals.take()) {
+        Log::debug(std::string("Stop requested by SIG") + sigabbrev_np(signal));
+        loop.quit();
+      }
     });
   }
 
-  FrontEnd frontEnd(*options,
-                    FrontEndSettings{[] { return SettingsManager::shared().refreshInterval(); },
-                                     [] { return SettingsManager::shared().showNetSpeed(); }},
-                    Monitor::shared(), stdout, [&loop] { loop.quit(); });
-  Log::debug("Quillmark " QM_VERSION " started (" + std::string(options->json ? "json" : "text") + " mode)");
+  NonBlockingOutput output(STDOUT_FILENO);
+  LineWriter writer(output.fd());
+  writer.wantWritable = [&loop, &writer, fd = output.fd()](bool want) {
+    if (want) {
+      loop.watchWritable(fd, [&writer] { writer.onWritable(); });
+    } else {
+      loop.unwatch(fd);
+    }
+  };
+  writer.onFailure = [&loop] { loop.quit(); };
+
+  AppServices services;
+  FrontEnd frontEnd(
+      *options, FrontEndSettings::of(services.settings()), services.monitor(), loop, L10n::shared(),
+      [&writer](std::string line, bool keep) { writer.write(std::move(line), keep); },
+      [&loop, &writer] {
+        // The last line is out when the writer is idle; a stop signal still ends the wait.
+        if (writer.idle()) {
+          loop.quit();
+        } else {
+          writer.onIdle = [&loop] { loop.quit(); };
+        }
+      });
+  Log::debug("Quillmark " QM_VERSION " started (" + std::string(optionName(options->format)) + ")");
   frontEnd.start();
+  services.fanController().startIfEnabled();
   loop.run();
+  stopSignals.beginStop();  // from here on the guard bounds the teardown
   frontEnd.stop();
+  writer.reportDrops();
   Log::debug("Quillmark stopped");
-  if (signalFd >= 0) close(signalFd);
-  return frontEnd.outputFailed() ? 1 : 0;
+  return writer.failed() ? 1 : 0;
 }

@@ -4,6 +4,12 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
+#include "insights/insight_engine.h"
+#include "insights/pressure_monitor.h"
+#include "processes/pause_manager.h"
+#include "processes/pin_store.h"
+#include "sensors/sensor_inventory_json.h"
+
 namespace quillmark {
 namespace {
 
@@ -63,34 +69,66 @@ json assertionsJson(const std::optional<AssertionMap>& assertions) {
   return object;
 }
 
+json cpuJson(const CPUSample& cpu) {
+  json perCore = json::array();
+  for (double load : cpu.perCore) perCore.push_back(number(load));
+  return {{"total", number(cpu.total)}, {"perCore", perCore}};
+}
+
+json memoryJson(const MemorySample& memory) {
+  return {{"total", memory.total},   {"app", memory.app},
+          {"wired", memory.wired},   {"compressed", memory.compressed},
+          {"cached", memory.cached}, {"free", memory.free},
+          {"used", memory.used()},   {"usageFraction", memory.usageFraction()}};
+}
+
+json networkJson(const NetSample& network) {
+  return {{"downBps", number(network.downBps)}, {"upBps", number(network.upBps)}};
+}
+
+json fansJson(const std::vector<double>& fans) {
+  json list = json::array();
+  for (double rpm : fans) list.push_back(number(rpm));
+  return list;
+}
+
+json livePidsJson(const PidSet& pids) {
+  std::vector<std::int32_t> live(pids.begin(), pids.end());
+  std::sort(live.begin(), live.end());
+  return live;
+}
+
+// The memory-pressure level and the diagnostics findings; null where the program runs without them.
+json pressureJson() {
+  if (!SharedInstance<PressureMonitor>::installed()) return nullptr;
+  return std::string(name(PressureMonitor::shared().level()));
+}
+
+json insightsJson() {
+  if (!SharedInstance<InsightEngine>::installed()) return nullptr;
+  json list = json::array();
+  for (const auto& i : InsightEngine::shared().insights())
+    list.push_back({{"kind", name(i.kind)},
+                    {"pid", i.pid},
+                    {"processName", i.processName},
+                    {"message", i.message},
+                    {"reclaimBytes", optionalJson(i.reclaimBytes)}});
+  return list;
+}
+
 }  // namespace
 
+// One function per section: a new Snapshot field gets its own function and one line here.
 std::string snapshotJson(const Monitor::Snapshot& s, double unixTime) {
-  json perCore = json::array();
-  for (double load : s.cpu.perCore) perCore.push_back(number(load));
-  std::vector<std::int32_t> live(s.livePids.begin(), s.livePids.end());
-  std::sort(live.begin(), live.end());
-
-  json fans = json::array();
-  for (double rpm : s.fans) fans.push_back(number(rpm));
-
-  const json line = {
+  json line = {
       {"time", unixTime},
-      {"cpu", {{"total", number(s.cpu.total)}, {"perCore", perCore}}},
-      {"memory",
-       {{"total", s.memory.total},
-        {"app", s.memory.app},
-        {"wired", s.memory.wired},
-        {"compressed", s.memory.compressed},
-        {"cached", s.memory.cached},
-        {"free", s.memory.free},
-        {"used", s.memory.used()},
-        {"usageFraction", s.memory.usageFraction()}}},
-      {"network", {{"downBps", number(s.network.downBps)}, {"upBps", number(s.network.upBps)}}},
+      {"cpu", s.cpuRead ? cpuJson(s.cpu) : json(nullptr)},
+      {"memory", s.memoryRead ? memoryJson(s.memory) : json(nullptr)},
+      {"network", networkJson(s.network)},
       {"processes", processesJson(s.processes)},
       {"diskFree", s.diskFree},
       {"diskTotal", s.diskTotal},
-      {"fans", fans},
+      {"fans", fansJson(s.fans)},
       {"thermal", thermalJson(s.thermal)},
       {"battery", batteryJson(s.battery)},
       {"gpu", gpuJson(s.gpu)},
@@ -99,8 +137,15 @@ std::string snapshotJson(const Monitor::Snapshot& s, double unixTime) {
       {"processesScanned", s.processesScanned},
       {"assertions", assertionsJson(s.assertions)},
       {"energyRows", processesJson(s.energyRows)},
-      {"livePids", live},
+      {"livePids", livePidsJson(s.livePids)},
+      {"pressure", pressureJson()},
+      {"insights", insightsJson()},
   };
+  appendSensorLists(line);
+  // Process control's state, where the program built it.
+  if (SharedInstance<PauseManager>::installed())
+    line["pausedGroups"] = json::parse(PausedGroupCodec::encode(PauseManager::shared().paused()));
+  if (SharedInstance<PinStore>::installed()) line["pinnedProcesses"] = PinStore::shared().names();
   // Process names are whatever the kernel holds; replace invalid UTF-8 instead of failing the line.
   return line.dump(-1, ' ', false, json::error_handler_t::replace);
 }

@@ -1,24 +1,17 @@
 #include "app/macos/app_delegate_darwin.h"
 
-#include <string>
+#include <dispatch/dispatch.h>
+#include <signal.h>
 
-#include "app/frontend/status_text.h"
-#include "sampling/monitor.h"
-#include "settings/l10n.h"
-#include "settings/settings_manager.h"
+#include <memory>
 
-namespace {
-
-NSString* toNSString(const std::string& text) {
-  // A string that is not valid UTF-8 (it should never be) shows as empty rather than crashing.
-  NSString* string = [NSString stringWithUTF8String:text.c_str()];
-  return string ? string : @"";
-}
-
-}  // namespace
+#include "app/macos/menu_bar_shell_darwin.h"
+#include "app/services/app_services.h"
 
 @implementation QMAppDelegate {
-  NSStatusItem* _statusItem;
+  std::unique_ptr<quillmark::AppServices> _services;
+  std::unique_ptr<quillmark::MenuBarShell> _shell;
+  dispatch_source_t _terminationSignals[2];
 }
 
 + (QMAppDelegate*)shared {
@@ -30,32 +23,35 @@ NSString* toNSString(const std::string& text) {
   (void)notification;
   // Again here: AppKit may reset the appearance while it finishes launching.
   NSApp.appearance = [NSAppearance appearanceNamed:NSAppearanceNameDarkAqua];
+  _services = std::make_unique<quillmark::AppServices>();
+  _shell = std::make_unique<quillmark::MenuBarShell>(*_services);
+  _shell->controller().setup();
+  _services->fanController().startIfEnabled();
+  [self terminateOnSignals];
+}
 
-  _statusItem = [NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength];
-  NSMenu* menu = [[NSMenu alloc] initWithTitle:@"Quillmark"];
-  [menu addItemWithTitle:toNSString(quillmark::L("menu.quit"))
-                  action:@selector(terminate:)
-           keyEquivalent:@"q"];
-  _statusItem.menu = menu;
-  [self updateStatusText];
-
-  quillmark::Monitor& monitor = quillmark::Monitor::shared();
-  // Weak: the monitor outlives nothing it should keep alive.
-  __weak QMAppDelegate* weakSelf = self;
-  monitor.onTick = [weakSelf] { [weakSelf updateStatusText]; };
-  monitor.start(quillmark::SettingsManager::shared().refreshInterval());
+// SIGTERM (logout, `kill`) and SIGINT (Ctrl-C in a terminal) take the same way out as the Quit
+// item, so paused applications are resumed and the fans released on every exit we can see.
+- (void)terminateOnSignals {
+  const int signals[2] = {SIGTERM, SIGINT};
+  for (int i = 0; i < 2; ++i) {
+    // The default action would end the process before the source could see the signal.
+    signal(signals[i], SIG_IGN);
+    dispatch_source_t source = dispatch_source_create(
+        DISPATCH_SOURCE_TYPE_SIGNAL, static_cast<uintptr_t>(signals[i]), 0, dispatch_get_main_queue());
+    dispatch_source_set_event_handler(source, ^{
+      [NSApp terminate:nil];
+    });
+    dispatch_resume(source);  // sources start suspended
+    _terminationSignals[i] = source;
+  }
 }
 
 - (void)applicationWillTerminate:(NSNotification*)notification {
   (void)notification;
-  quillmark::Monitor::shared().stop();
-}
-
-- (void)updateStatusText {
-  const quillmark::Monitor& monitor = quillmark::Monitor::shared();
-  const bool showNetSpeed = quillmark::SettingsManager::shared().showNetSpeed();
-  _statusItem.button.title = toNSString(quillmark::statusText(monitor.cpu.value(), monitor.memory.value(),
-                                                              monitor.network.value(), showNetSpeed));
+  if (_services) _services->willTerminate();
+  _shell.reset();
+  _services.reset();
 }
 
 @end

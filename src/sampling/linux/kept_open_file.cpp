@@ -44,30 +44,36 @@ void KeptOpenFile::close() {
   fd_ = -1;
 }
 
-// Bytes read, or -1. Reads the whole file in one call: a procfs file is generated whole at offset
-// 0, so a read that fills the buffer is repeated with a bigger one rather than continued.
+// Bytes read, or -1. A procfs file hands out at most a page or so per read (/proc/net/dev with
+// thirty-odd interfaces is longer), so a short read is not the end: reading continues at the
+// offset reached until a read returns 0. Reading at offset 0 makes the kernel generate it afresh.
 long KeptOpenFile::readOnce() {
   if (buffer_.empty()) buffer_.resize(kInitialBuffer);
+  std::size_t used = 0;
   for (;;) {
-    const ssize_t n = ::pread(fd_, buffer_.data(), buffer_.size(), 0);
+    if (used == buffer_.size()) {
+      if (buffer_.size() >= kMaxBuffer) return -1;
+      buffer_.resize(buffer_.size() * 2);
+    }
+    const ssize_t n = ::pread(fd_, buffer_.data() + used, buffer_.size() - used, static_cast<off_t>(used));
     if (n < 0 && errno == EINTR) continue;
     if (n < 0) return -1;
-    if (static_cast<std::size_t>(n) < buffer_.size()) return n;
-    if (buffer_.size() >= kMaxBuffer) return -1;
-    buffer_.resize(buffer_.size() * 2);
+    if (n == 0) return static_cast<long>(used);
+    used += static_cast<std::size_t>(n);
   }
 }
 
 std::optional<std::string_view> KeptOpenFile::read() {
   const bool wasOpen = fd_ >= 0;
-  if (!open()) return std::nullopt;
-  long n = readOnce();
+  long n = open() ? readOnce() : -1;
   if (n < 0 && wasOpen) {
     close();
-    if (!open()) return std::nullopt;
-    n = readOnce();
+    n = open() ? readOnce() : -1;
   }
-  if (n < 0) return std::nullopt;
+  if (n < 0) {
+    lastError_ = errno;
+    return std::nullopt;
+  }
   return std::string_view(buffer_.data(), static_cast<std::size_t>(n));
 }
 

@@ -7,8 +7,8 @@
 
 namespace quillmark {
 
-// A /proc or /sys file that is opened once and re-read from offset 0 on every call. The kernel
-// regenerates such files on each read at offset 0, and skipping open/close more than halves the
+// A /proc or /sys file that is opened once and re-read from offset 0 to its end on every call. The
+// kernel regenerates such files on each read at offset 0, and skipping open/close more than halves the
 // cost of a tick. Owns its descriptor and a buffer reused across reads. Not thread-safe: one
 // reader (the monitor's queue) uses it.
 class KeptOpenFile {
@@ -26,6 +26,8 @@ class KeptOpenFile {
   [[nodiscard]] std::optional<std::string_view> read();
 
   [[nodiscard]] const std::string& path() const { return path_; }
+  // The errno of the latest failed read (0 when none failed yet).
+  [[nodiscard]] int lastError() const { return lastError_; }
 
  private:
   bool open();
@@ -34,6 +36,7 @@ class KeptOpenFile {
 
   std::string path_;
   int fd_ = -1;
+  int lastError_ = 0;
   std::vector<char> buffer_;
 };
 

@@ -259,10 +259,16 @@ std::optional<PidStat> parsePidStat(std::string_view text) {
   rest.remove_prefix(1);
   auto stime = takeNumber(rest);
   if (!stime) return std::nullopt;
-  // A file cut right after stime is damaged even though we need nothing further.
   if (rest.empty() || rest[0] != ' ') return std::nullopt;
+  rest.remove_prefix(1);
+  // stime is field 15; starttime is field 22.
+  if (!skipFields(rest, 6)) return std::nullopt;
+  auto start = takeNumber(rest);
+  // A file cut right after starttime is damaged even though we need nothing further.
+  if (!start || rest.empty() || rest[0] != ' ') return std::nullopt;
   stat.utimeTicks = *utime;
   stat.stimeTicks = *stime;
+  stat.startTicks = *start;
   return stat;
 }
 

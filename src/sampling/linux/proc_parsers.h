@@ -64,6 +64,7 @@ struct PidStat {
   std::string_view comm;
   std::uint64_t utimeTicks = 0;  // field 14
   std::uint64_t stimeTicks = 0;  // field 15
+  std::uint64_t startTicks = 0;  // field 22: clock ticks after boot; with the pid, one process
 };
 // comm may hold spaces and parentheses, so it runs from the first '(' to the last ')'.
 [[nodiscard]] std::optional<PidStat> parsePidStat(std::string_view text);

@@ -85,14 +85,16 @@ TEST(SmallFileParsers, ReadFlagsSizesZramPoolsAndStatm) {
 
 TEST(PidStatParser, TakesCommFromFirstOpenToLastCloseAndNeedsBothTimes) {
   // After comm: state ppid pgrp session tty_nr tpgid flags minflt cminflt majflt cmajflt utime stime
-  // cutime cstime ...
+  // cutime cstime priority nice num_threads itrealvalue starttime ...
   const auto stat =
-      parsePidStat("5092 (a) b (c) d) S 1 5092 4202 0 -1 4194304 100 0 0 0 250 75 9 9 20 -5 1\n");
+      parsePidStat("5092 (a) b (c) d) S 1 5092 4202 0 -1 4194304 100 0 0 0 250 75 9 9 20 -5 1 0 123456 0\n");
   ASSERT_TRUE(stat);
   EXPECT_EQ(stat->comm, "a) b (c) d");
   EXPECT_EQ(stat->utimeTicks, 250u);
   EXPECT_EQ(stat->stimeTicks, 75u);  // not cutime/cstime, the reaped children
-  EXPECT_EQ(parsePidStat("7 () S 1 1 1 0 -1 0 0 0 0 0 1 2 0 0\n")->comm, "");
+  EXPECT_EQ(stat->startTicks, 123456u);
+  EXPECT_EQ(parsePidStat("7 () S 1 1 1 0 -1 0 0 0 0 0 1 2 0 0 20 0 1 0 5 0\n")->comm, "");
+  EXPECT_FALSE(parsePidStat("7 (a) S 1 1 1 0 -1 0 0 0 0 0 1 2 0 0 20 0 1 0 5"));
 
   EXPECT_FALSE(parsePidStat("5092 bash S 1 2 3"));
   EXPECT_FALSE(parsePidStat("5092 ) bash ( S 1 2 3"));

@@ -21,9 +21,10 @@ class LinuxSystemCounters final : public SystemCounters {
 
   [[nodiscard]] CPUReading readCPU() override;
   [[nodiscard]] std::optional<MemorySample> readMemory() override;
-  [[nodiscard]] std::optional<NetTotals> readNetworkBytes() override;
+  [[nodiscard]] std::optional<NetCounters> readNetworkBytes() override;
   [[nodiscard]] DiskSpace readDiskSpace() override;
   [[nodiscard]] std::optional<double> readBootTime() override;
+  [[nodiscard]] std::string lastReadError() const override { return lastError_; }
 
   // The breakdown from meminfo and the bytes held by zram pools; absent without MemTotal.
   [[nodiscard]] static std::optional<MemorySample> memorySample(const procfs::MemInfo& info,
@@ -45,7 +46,11 @@ class LinuxSystemCounters final : public SystemCounters {
   std::uint64_t zramBytes();
   void findZramDevices();
 
+  // Reads a kept file, noting why it failed.
+  std::optional<std::string_view> readNoting(KeptOpenFile& file);
+
   std::string root_;
+  std::string lastError_;
   KeptOpenFile stat_;
   KeptOpenFile meminfo_;
   KeptOpenFile netDev_;

@@ -200,7 +200,33 @@ int proc_pidinfo(int pid, int flavor, uint64_t arg, void* buffer, int buffersize
   auto& k = state();
   k.pidinfoCalls.emplace_back(pid, flavor);
   k.pidinfoSizes.push_back(buffersize);
-  if (flavor != PROC_PIDTASKINFO || arg != 0) return errno = EINVAL, 0;
+  if (flavor == PROC_PIDCOALITIONINFO && arg == 0) {
+    if (buffersize < static_cast<int>(sizeof(proc_pidcoalitioninfo))) return errno = ENOMEM, 0;
+    for (const auto& process : k.processes) {
+      if (process.pid != pid || !process.coalition) continue;
+      proc_pidcoalitioninfo info{};
+      info.coalition_id[0] = *process.coalition;
+      std::memcpy(buffer, &info, sizeof info);
+      return static_cast<int>(sizeof info);
+    }
+    return errno = ESRCH, 0;
+  }
+  if (arg != 0) return errno = EINVAL, 0;
+  if (flavor == PROC_PIDTBSDINFO || flavor == PROC_PIDTASKALLINFO) {
+    const int size =
+        static_cast<int>(flavor == PROC_PIDTBSDINFO ? sizeof(proc_bsdinfo) : sizeof(proc_taskallinfo));
+    if (buffersize < size) return errno = ENOMEM, 0;
+    for (const auto& process : k.processes) {
+      if (process.pid != pid || !process.bsd) continue;
+      if (process.infoResult <= 0) return errno = ESRCH, 0;
+      if (process.infoResult < static_cast<int>(sizeof(proc_taskinfo))) return process.infoResult;
+      proc_taskallinfo all{*process.bsd, process.task};
+      std::memcpy(buffer, &all, static_cast<std::size_t>(size));
+      return size;
+    }
+    return errno = ESRCH, 0;
+  }
+  if (flavor != PROC_PIDTASKINFO) return errno = EINVAL, 0;
   if (buffersize < static_cast<int>(sizeof(proc_taskinfo))) return errno = ENOMEM, 0;
   for (const auto& process : k.processes) {
     if (process.pid != pid) continue;
@@ -223,6 +249,24 @@ int proc_name(int pid, void* buffer, uint32_t buffersize) {
     return static_cast<int>(length);
   }
   return errno = ESRCH, 0;
+}
+
+int proc_pidpath(int pid, void* buffer, uint32_t buffersize) {
+  if (buffersize < PROC_PIDPATHINFO_SIZE || buffersize > PROC_PIDPATHINFO_MAXSIZE) return errno = ENOMEM, 0;
+  for (const auto& process : state().processes) {
+    if (process.pid != pid || !process.path) continue;
+    const std::size_t length = std::min<std::size_t>(process.path->size(), buffersize - 1);
+    std::memcpy(buffer, process.path->data(), length);
+    static_cast<char*>(buffer)[length] = '\0';
+    return static_cast<int>(length);
+  }
+  return errno = ESRCH, 0;
+}
+
+kern_return_t mach_timebase_info(mach_timebase_info_t info) {
+  if (state().timebaseResult != KERN_SUCCESS) return state().timebaseResult;
+  *info = state().timebase;
+  return KERN_SUCCESS;
 }
 
 }  // extern "C"

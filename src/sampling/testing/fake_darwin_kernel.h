@@ -7,6 +7,7 @@
 
 #include <ifaddrs.h>
 #include <mach/mach.h>
+#include <mach/mach_time.h>
 #include <net/if.h>
 #include <sys/mount.h>
 #include <sys/proc_info.h>
@@ -32,10 +33,18 @@ struct Interface {
 struct Process {
   int pid = 0;
   proc_taskinfo task{};
-  // What proc_pidinfo answers; by default the whole record.
+  // What proc_pidinfo answers; by default the whole record. Below sizeof(proc_taskinfo) it is
+  // the answer to the BSD and all-in-one flavours too.
   int infoResult = static_cast<int>(sizeof(proc_taskinfo));
   // The bytes proc_name copies (a NUL is added); absent makes proc_name fail with 0.
   std::optional<std::string> name;
+  // What proc_pidinfo(PROC_PIDCOALITIONINFO) answers: the resource coalition's id, or absent
+  // for a process whose coalition cannot be read (the call then fails).
+  std::optional<std::uint64_t> coalition;
+  // PROC_PIDTBSDINFO (and the first half of PROC_PIDTASKALLINFO); absent fails both with ESRCH.
+  std::optional<proc_bsdinfo> bsd;
+  // What proc_pidpath copies; absent makes it fail with 0.
+  std::optional<std::string> path;
 };
 
 struct Kernel {
@@ -87,6 +96,10 @@ struct Kernel {
   std::vector<std::pair<int, int>> pidinfoCalls;  // (pid, flavour)
   std::vector<int> pidinfoSizes;
   std::vector<int> nameCalls;  // pids
+
+  // mach_timebase_info: Apple silicon's ratio by default.
+  kern_return_t timebaseResult = KERN_SUCCESS;
+  mach_timebase_info_data_t timebase{125, 3};
 };
 
 // The kernel of the current test, reset by reset().

@@ -19,7 +19,7 @@ class FakeSystemCounters final : public SystemCounters {
     return next(cpu);
   }
   std::optional<MemorySample> readMemory() override { return memory; }
-  std::optional<NetTotals> readNetworkBytes() override {
+  std::optional<NetCounters> readNetworkBytes() override {
     ++netReads;
     return next(net);
   }
@@ -31,12 +31,14 @@ class FakeSystemCounters final : public SystemCounters {
     ++bootReads;
     return bootTime;
   }
+  std::string lastReadError() const override { return readError; }
 
   std::deque<CPUReading> cpu;
   std::optional<MemorySample> memory;
-  std::deque<std::optional<NetTotals>> net;
+  std::deque<std::optional<NetCounters>> net;
   DiskSpace disk{100, 1000};
   std::optional<double> bootTime;
+  std::string readError;
   int cpuReads = 0;
   int netReads = 0;
   int diskReads = 0;
@@ -56,12 +58,14 @@ class FakeProcessReader final : public ProcessReader {
  public:
   std::vector<RawProcess> readProcessesRaw(NameCache& names) override {
     ++scans;
-    for (auto& process : table) {
-      auto [it, inserted] = names.try_emplace(process.pid, process.name);
-      if (inserted) ++nameReads;
-      process.name = it->second;
+    std::vector<RawProcess> processes = table;
+    for (auto& process : processes) {
+      process.name = cachedName(names, process.pid, process.startTime, [&] {
+        ++nameReads;
+        return process.name;
+      });
     }
-    return table;
+    return processes;
   }
   void retainOnly(const PidSet& live) override { lastRetained = live; }
 

@@ -13,9 +13,11 @@ namespace {
 namespace fake = fake_darwin;
 
 fake::Process process(int pid, std::string name, std::uint64_t user = 0, std::uint64_t system = 0,
-                      std::uint64_t resident = 0) {
+                      std::uint64_t resident = 0, std::uint64_t started = 1'700'000'000) {
   fake::Process p;
   p.pid = pid;
+  p.bsd = proc_bsdinfo{};
+  p.bsd->pbi_start_tvsec = started;
   p.name = std::move(name);
   p.task.pti_total_user = user;
   p.task.pti_total_system = system;
@@ -45,13 +47,13 @@ TEST_F(DarwinProcesses, ReadsTaskTimesAndResidentSizeAsReported) {
   const auto list = read();
   ASSERT_EQ(list.size(), 2u);
   // Mach ticks are kept as the record gives them (no timebase scaling).
-  EXPECT_EQ(list[0], (RawProcess{1, "launchd", 128, 4096}));
-  EXPECT_EQ(list[1], (RawProcess{77, "Finder", 3'000'000, 1u << 26}));
+  EXPECT_EQ(list[0], (RawProcess{1, "launchd", 128, 4096, 1'700'000'000}));
+  EXPECT_EQ(list[1], (RawProcess{77, "Finder", 3'000'000, 1u << 26, 1'700'000'000}));
   for (const auto& [pid, flavour] : k.pidinfoCalls) {
     EXPECT_NE(pid, 0) << "the kernel task is never inspected";
-    EXPECT_EQ(flavour, PROC_PIDTASKINFO);
+    EXPECT_EQ(flavour, PROC_PIDTASKALLINFO);
   }
-  for (int size : k.pidinfoSizes) EXPECT_EQ(size, 96);
+  for (int size : k.pidinfoSizes) EXPECT_EQ(size, 136 + 96);
 }
 
 TEST_F(DarwinProcesses, PidListIsCountedInBytes) {
@@ -109,7 +111,7 @@ TEST_F(DarwinProcesses, NamesAreRepairedCachedAndNeverEmpty) {
   EXPECT_EQ(list[1].name, "unknown");
   EXPECT_EQ(list[2].name, "ab\xEF\xBF\xBD\xEF\xBF\xBD");
   EXPECT_EQ(list[3].name, "mds");
-  EXPECT_EQ(names.at(31), "unknown");
+  EXPECT_EQ(names.at(31).name, "unknown");
 
   // The second scan takes every name from the cache, even one the kernel would now answer.
   k.processes[1].name = "late";
@@ -118,9 +120,11 @@ TEST_F(DarwinProcesses, NamesAreRepairedCachedAndNeverEmpty) {
   EXPECT_TRUE(k.nameCalls.empty());
   EXPECT_EQ(list[1].name, "unknown");
 
-  names.clear();
+  // A process that reused the pid (it started later) is named afresh.
+  k.processes[1].bsd->pbi_start_tvsec += 5;
   list = read();
   EXPECT_EQ(list[1].name, "late");
+  EXPECT_EQ(list[1].startTime, 1'700'000'005u);
 }
 
 TEST_F(DarwinProcesses, CpuTimeOverflowIsAFault) {

@@ -5,8 +5,8 @@
 //  - the fake-kernel tests, which compile the C-interface readers for Linux and link them with a
 //    scripted kernel (QM_STUB_SDK_FAKE_KERNEL defined).
 // In the second build a few functions share their name with a glibc function of a different
-// shape (getifaddrs, freeifaddrs, statfs); those are renamed here so that the fake never
-// interposes the C library.
+// shape (getifaddrs, freeifaddrs, statfs) or one the runtime itself leans on (dlsym); those are
+// renamed here so that the fake never interposes the C library.
 #pragma once
 
 #ifdef __cplusplus
@@ -27,4 +27,5 @@
 #define getifaddrs qm_fake_getifaddrs
 #define freeifaddrs qm_fake_freeifaddrs
 #define statfs qm_fake_statfs
+#define dlsym qm_fake_dlsym
 #endif

@@ -2,6 +2,7 @@
 #pragma once
 #include <CoreGraphics/CGBase.h>
 #include <Foundation/Foundation.h>
+#include <sys/types.h>
 
 #ifdef __OBJC__
 #pragma clang assume_nonnull begin
@@ -74,5 +75,34 @@ extern const CGFloat NSVariableStatusItemLength;
 - (NSStatusItem*)statusItemWithLength:(CGFloat)length;
 @end
 
+// The workspace's running applications: the front one, and one looked up by pid.
+typedef NS_OPTIONS(NSUInteger, NSApplicationActivationOptions) {
+  NSApplicationActivateAllWindows = 1 << 0,
+  NSApplicationActivateIgnoringOtherApps = 1 << 1,
+};
+
+@interface NSRunningApplication : NSObject
++ (nullable instancetype)runningApplicationWithProcessIdentifier:(pid_t)pid;
+@property(nullable, readonly, copy) NSString* localizedName;
+@property(nullable, readonly, copy) NSURL* bundleURL;
+@property(readonly) pid_t processIdentifier;
+- (BOOL)activateWithOptions:(NSApplicationActivationOptions)options;
+@end
+
+@class NSImage;
+
+@interface NSWorkspace : NSObject
+@property(class, readonly, strong) NSWorkspace* sharedWorkspace;
+@property(nullable, readonly, strong) NSRunningApplication* frontmostApplication;
+- (NSImage*)iconForFile:(NSString*)fullPath;
+@end
+
 #pragma clang assume_nonnull end
 #endif
+
+// The menu-bar shell: windows, events, drawing, text input, and its additions to the classes above.
+#include <AppKit/NSEvent.h>
+#include <AppKit/NSGraphics.h>
+#include <AppKit/NSShellAdditions.h>
+#include <AppKit/NSTextInputClient.h>
+#include <AppKit/NSWindow.h>

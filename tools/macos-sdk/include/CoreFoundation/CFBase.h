@@ -15,6 +15,14 @@ typedef const void* CFTypeRef;
 typedef const struct __CFString* CFStringRef;
 typedef const struct __CFAllocator* CFAllocatorRef;
 typedef CFTypeRef CFPropertyListRef;
+typedef struct {
+  CFIndex location;
+  CFIndex length;
+} CFRange;
+static inline CFRange CFRangeMake(CFIndex location, CFIndex length) {
+  CFRange range = {location, length};
+  return range;
+}
 
 QM_STUB_STATIC_ASSERT(sizeof(CFIndex) == 8, "CFIndex is a signed long");
 QM_STUB_STATIC_ASSERT(sizeof(Boolean) == 1, "Boolean is one byte");
@@ -25,3 +33,4 @@ CFTypeID CFGetTypeID(CFTypeRef cf);
 CFTypeRef CFRetain(CFTypeRef cf);
 void CFRelease(CFTypeRef cf);
 QM_STUB_EXTERN_C_END
+

@@ -6,6 +6,7 @@ typedef const struct __CFBoolean* CFBooleanRef;
 typedef const struct __CFNumber* CFNumberRef;
 
 typedef enum CFNumberType : CFIndex {
+  kCFNumberSInt64Type = 4,
   kCFNumberDoubleType = 13,
 } CFNumberType;
 

@@ -15,6 +15,8 @@ typedef NS_ENUM(NSInteger, SMAppServiceStatus) {
 __attribute__((availability(macos, introduced = 13.0)))
 @interface SMAppService : NSObject
 @property(class, readonly) SMAppService* mainAppService;
+// A launchd daemon whose property list is in the bundle's Contents/Library/LaunchDaemons.
++ (instancetype)daemonServiceWithPlistName:(NSString*)plistName;
 @property(readonly) SMAppServiceStatus status;
 - (BOOL)registerAndReturnError:(NSError* _Nullable* _Nullable)error;
 - (BOOL)unregisterAndReturnError:(NSError* _Nullable* _Nullable)error;

@@ -7,6 +7,7 @@
 
 @protocol NSObject
 - (BOOL)isEqual:(id)object;
+- (BOOL)isKindOfClass:(Class)aClass;
 @property(readonly, copy) NSString* description;
 @end
 
@@ -16,6 +17,7 @@ __attribute__((objc_root_class))
 }
 + (instancetype)alloc;
 + (instancetype)new;
++ (Class)class;
 - (instancetype)init;
 @end
 #endif

@@ -7,6 +7,10 @@
 #define PROC_ALL_PIDS 1
 #define PROC_PIDTASKINFO 4
 #define PROC_PIDPATHINFO_MAXSIZE 4096
+#define PROC_PIDTASKALLINFO 2
+#define PROC_PIDTBSDINFO 3
+#define PROC_PIDPATHINFO_SIZE 1024
+#define SSTOP 4  // pbi_status of a process stopped by a signal
 
 #define MAXCOMLEN 16
 
@@ -67,9 +71,22 @@ QM_STUB_STATIC_ASSERT(__builtin_offsetof(struct proc_bsdinfo, pbi_comm) == 48, "
 QM_STUB_STATIC_ASSERT(__builtin_offsetof(struct proc_bsdinfo, pbi_name) == 64, "pbi_name at 64");
 QM_STUB_STATIC_ASSERT(__builtin_offsetof(struct proc_bsdinfo, pbi_pgid) == 100, "pbi_pgid at 100");
 QM_STUB_STATIC_ASSERT(__builtin_offsetof(struct proc_bsdinfo, pbi_start_tvsec) == 120, "start time at 120");
+QM_STUB_STATIC_ASSERT(__builtin_offsetof(struct proc_bsdinfo, pbi_status) == 4, "status at 4");
+QM_STUB_STATIC_ASSERT(__builtin_offsetof(struct proc_bsdinfo, pbi_ppid) == 16, "parent at 16");
 QM_STUB_STATIC_ASSERT(sizeof(struct proc_taskinfo) == 96, "proc_taskinfo is 96 bytes");
 QM_STUB_STATIC_ASSERT(__builtin_offsetof(struct proc_taskinfo, pti_resident_size) == 8, "resident at 8");
 QM_STUB_STATIC_ASSERT(__builtin_offsetof(struct proc_taskinfo, pti_total_user) == 16, "user time at 16");
 QM_STUB_STATIC_ASSERT(__builtin_offsetof(struct proc_taskinfo, pti_total_system) == 24, "system time at 24");
+QM_STUB_STATIC_ASSERT(__builtin_offsetof(struct proc_taskinfo, pti_threadnum) == 84, "thread count at 84");
 QM_STUB_STATIC_ASSERT(sizeof(struct proc_taskallinfo) == 232, "proc_taskallinfo is 232 bytes");
 QM_STUB_STATIC_ASSERT(__builtin_offsetof(struct proc_taskallinfo, ptinfo) == 136, "ptinfo at 136");
+
+// The coalitions a process belongs to: [0] is its resource coalition, [1] its jetsam coalition.
+#define PROC_PIDCOALITIONINFO 20
+struct proc_pidcoalitioninfo {
+  uint64_t coalition_id[2];
+  uint64_t reserved1;
+  uint64_t reserved2;
+  uint64_t reserved3;
+};
+QM_STUB_STATIC_ASSERT(sizeof(struct proc_pidcoalitioninfo) == 40, "proc_pidcoalitioninfo is 40 bytes");
