@@ -42,7 +42,10 @@ std::optional<PausedGroup> decodeEntry(const json& entry, std::int32_t ownGroup)
     else if (*method != "signal")
       return std::nullopt;
   }
-  if (const auto cgroup = entry.find("cgroup"); cgroup != entry.end()) {
+  // Only a freezer record has a unit; a stray "cgroup" on a signal record is dropped, since the
+  // encoder never writes one and nothing would act on it.
+  if (const auto cgroup = entry.find("cgroup");
+      group.method == PauseMethod::freezer && cgroup != entry.end()) {
     if (!cgroup->is_string()) return std::nullopt;
     group.cgroup = cgroup->get<std::string>();
   }
