@@ -18,6 +18,10 @@ packages=(
   libicu-dev                             # Unicode case folding for the process search
   libx11-dev libxres-dev                 # the front application on X11 (_NET_ACTIVE_WINDOW, X-Resource pid)
   xvfb                                   # a private X server for the front-application test
+  python3-dbus python3-gi                # the tray test's mock StatusNotifierWatcher and host (python3-dbus on GLib)
+  dpkg-dev file                          # CPack's DEB generator: dpkg-shlibdeps for Depends, file to find the binaries
+  appstream                              # appstreamcli validates the AppStream metainfo in package.sh
+  lintian                                # checks the built .deb in package.sh
 )
 
 missing=()

@@ -7,13 +7,14 @@
 #include <vector>
 
 #include "base/clock.h"
+#include "base/fd_watcher.h"
 #include "base/main_loop.h"
 
 namespace quillmark {
 
 // The Linux main loop: one thread blocked in poll() on a wake-up eventfd and any file descriptors
 // the program watches (a signalfd for SIGINT/SIGTERM, for instance). run() returns after quit().
-class PollMainLoop final : public MainLoop {
+class PollMainLoop final : public MainLoop, public FdWatcher {
  public:
   explicit PollMainLoop(const Clock& clock = Clock::system());
   ~PollMainLoop() override;
@@ -26,12 +27,12 @@ class PollMainLoop final : public MainLoop {
   void cancelTimer(TimerId id) override;
 
   // Calls onReadable on the loop's thread whenever fd is readable. Main thread only.
-  void watchReadable(int fd, Task onReadable);
+  void watchReadable(int fd, Task onReadable) override;
   // Calls onWritable on the loop's thread whenever fd can take more bytes (or has failed), until
   // unwatch(fd). Watch only while there is something to write, or the loop spins. Main thread only.
   void watchWritable(int fd, Task onWritable);
   // Ends every watch of fd. Main thread only; a watch's own task may call it.
-  void unwatch(int fd);
+  void unwatch(int fd) override;
 
   void run();
   // The process-wide instance that MainLoop::main() returns on Linux.
