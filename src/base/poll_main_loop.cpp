@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cmath>
@@ -153,6 +154,17 @@ PollMainLoop& PollMainLoop::shared() {
   return loop;
 }
 
-MainLoop& MainLoop::main() { return PollMainLoop::shared(); }
+namespace {
+std::atomic<LinuxMainLoop*> chosenMain{nullptr};
+}  // namespace
+
+void LinuxMainLoop::useAsMain(LinuxMainLoop& loop) { chosenMain = &loop; }
+
+LinuxMainLoop& LinuxMainLoop::main() {
+  LinuxMainLoop* chosen = chosenMain.load();
+  return chosen ? *chosen : PollMainLoop::shared();
+}
+
+MainLoop& MainLoop::main() { return LinuxMainLoop::main(); }
 
 }  // namespace quillmark

@@ -7,14 +7,13 @@
 #include <vector>
 
 #include "base/clock.h"
-#include "base/fd_watcher.h"
-#include "base/main_loop.h"
+#include "base/linux_main_loop.h"
 
 namespace quillmark {
 
 // The Linux main loop: one thread blocked in poll() on a wake-up eventfd and any file descriptors
 // the program watches (a signalfd for SIGINT/SIGTERM, for instance). run() returns after quit().
-class PollMainLoop final : public MainLoop, public FdWatcher {
+class PollMainLoop final : public LinuxMainLoop {
  public:
   explicit PollMainLoop(const Clock& clock = Clock::system());
   ~PollMainLoop() override;
@@ -26,18 +25,15 @@ class PollMainLoop final : public MainLoop, public FdWatcher {
   TimerId addRepeatingTimer(double periodSeconds, Task task) override;
   void cancelTimer(TimerId id) override;
 
-  // Calls onReadable on the loop's thread whenever fd is readable. Main thread only.
   void watchReadable(int fd, Task onReadable) override;
-  // Calls onWritable on the loop's thread whenever fd can take more bytes (or has failed), until
-  // unwatch(fd). Watch only while there is something to write, or the loop spins. Main thread only.
-  void watchWritable(int fd, Task onWritable);
-  // Ends every watch of fd. Main thread only; a watch's own task may call it.
+  void watchWritable(int fd, Task onWritable) override;
   void unwatch(int fd) override;
 
-  void run();
-  // The process-wide instance that MainLoop::main() returns on Linux.
+  void run() override;
+  void quit() override;  // any thread
+  // The process-wide instance that MainLoop::main() returns on Linux unless a program chose
+  // another (LinuxMainLoop::useAsMain).
   static PollMainLoop& shared();
-  void quit();  // any thread
 
  private:
   struct Scheduled {

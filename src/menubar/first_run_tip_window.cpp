@@ -19,9 +19,10 @@ void FirstRunTipWindow::showIfNeeded(const AnchorGeometry& anchor) {
   // explain the program is not lost.
   ScreenPoint origin;
   if (anchor.item) {
-    const CardPlacement placement = placeUnder(*anchor.item, anchor.visibleFrame, kWidth, kHeight);
+    const CardPlacement placement = placeNear(*anchor.item, anchor.visibleFrame, kWidth, kHeight);
     origin = placement.origin;
     anchor_.arrowX.set(placement.arrowX);
+    anchor_.arrowBelow.set(placement.arrowBelow);
   }
   host_.show(origin);
   shown_ = true;

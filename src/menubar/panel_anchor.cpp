@@ -19,4 +19,15 @@ CardPlacement placeUnder(const ScreenRect& item, const std::optional<ScreenRect>
   return CardPlacement{ScreenPoint{x, item.minY() - height}, item.midX() - x};
 }
 
+CardPlacement placeNear(const ScreenRect& item, const std::optional<ScreenRect>& visibleFrame, double width,
+                        double height) {
+  CardPlacement placement = placeUnder(item, visibleFrame, width, height);
+  if (visibleFrame && placement.origin.y < visibleFrame->minY() &&
+      item.minY() + item.height / 2 < visibleFrame->minY() + visibleFrame->height / 2) {
+    placement.origin.y = item.maxY();
+    placement.arrowBelow = true;
+  }
+  return placement;
+}
+
 }  // namespace quillmark

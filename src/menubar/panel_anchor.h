@@ -22,6 +22,9 @@ class PanelAnchor {
   static PanelAnchor& shared() { return SharedInstance<PanelAnchor>::get(); }
 
   Published<double> arrowX{200};
+  // True when the card stands above the item with its arrow on the bottom edge (an item at the
+  // bottom of the screen, as in a bottom panel on Linux); a menu-bar item never sets it.
+  Published<bool> arrowBelow{false};
 
   // The arrow position actually drawn on a card of this width: arrowX kept at least corner + half
   // the arrow's base (24 points) from either edge. The left bound wins on a card too narrow for both.
@@ -35,6 +38,7 @@ class PanelAnchor {
 struct CardPlacement {
   ScreenPoint origin;
   double arrowX = 0;
+  bool arrowBelow = false;
 };
 
 // Centres a card of the given size under the item, its top edge (the arrow's tip) touching the
@@ -42,5 +46,11 @@ struct CardPlacement {
 // bound wins when both cannot hold. Without a visible frame nothing is clamped.
 [[nodiscard]] CardPlacement placeUnder(const ScreenRect& item, const std::optional<ScreenRect>& visibleFrame,
                                        double width, double height);
+
+// placeUnder, except that a card that would reach below the visible frame under an item in the
+// lower half of it stands on top of the item instead, its bottom edge (the arrow's tip) touching
+// the item's top: the card faces the item wherever the tray is.
+[[nodiscard]] CardPlacement placeNear(const ScreenRect& item, const std::optional<ScreenRect>& visibleFrame,
+                                      double width, double height);
 
 }  // namespace quillmark

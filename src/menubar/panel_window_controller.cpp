@@ -20,9 +20,10 @@ void PanelWindowController::show(const AnchorGeometry& anchor) {
   }
   // Without the item's place the panel opens where it last was, its arrow unchanged.
   if (anchor.item) {
-    const CardPlacement placement = placeUnder(*anchor.item, anchor.visibleFrame, kWidth, kHeight);
+    const CardPlacement placement = placeNear(*anchor.item, anchor.visibleFrame, kWidth, kHeight);
     env_.host.moveTo(placement.origin);
     env_.anchor.arrowX.set(placement.arrowX);
+    env_.anchor.arrowBelow.set(placement.arrowBelow);
   }
   env_.host.makeKeyAndOrderFront();
   if (env_.setPublishingPaused) env_.setPublishingPaused(false);

@@ -14,9 +14,9 @@ namespace {
 
 constexpr double kPadding = 14;
 constexpr double kTextX = 42;  // where the texts start, right of the symbols
-constexpr double kTitleTop = PanelAnchor::arrowHeight + 10;
+constexpr double kTitleTop = 10;  // from the top of the body, below or above the arrow
 constexpr double kTitleHeight = 24;
-constexpr double kLineTop = PanelAnchor::arrowHeight + 40;
+constexpr double kLineTop = 40;
 constexpr double kLineStep = 23;
 constexpr double kLineHeight = 18;
 constexpr double kButtonHeight = 26;
@@ -42,11 +42,21 @@ const Theme& themeFor(PanelSkin skin) { return skin == PanelSkin::vitals ? Theme
 FirstRunTipContent::FirstRunTipContent(PanelAnchor& anchor, PanelSkin skin, std::function<void()> onDismiss)
     : anchor_(anchor), theme_(themeFor(skin)), onDismiss_(std::move(onDismiss)) {
   anchorToken_ = anchor_.arrowX.subscribe([this](const double&) { repaint(); });
+  // A card standing on its item has the arrow underneath: the body moves up to the top edge.
+  arrowBelowToken_ = anchor_.arrowBelow.subscribe([this](const bool&) {
+    if (body_) body_->frame.y = bodyTop();
+    repaint();
+  });
   root_.frame = {0, 0, width(), height()};
   build();
 }
 
-FirstRunTipContent::~FirstRunTipContent() { anchor_.arrowX.unsubscribe(anchorToken_); }
+FirstRunTipContent::~FirstRunTipContent() {
+  anchor_.arrowX.unsubscribe(anchorToken_);
+  anchor_.arrowBelow.unsubscribe(arrowBelowToken_);
+}
+
+double FirstRunTipContent::bodyTop() const { return anchor_.arrowBelow() ? 0 : PanelAnchor::arrowHeight; }
 
 double FirstRunTipContent::width() const { return FirstRunTipWindow::kWidth; }
 double FirstRunTipContent::height() const { return FirstRunTipWindow::kHeight; }
@@ -54,10 +64,14 @@ double FirstRunTipContent::height() const { return FirstRunTipWindow::kHeight; }
 void FirstRunTipContent::build() {
   const Theme& t = theme_;
   const double textWidth = width() - kTextX - kPadding;
-  auto& gauge = root_.make<SymbolView>(Symbol::gauge, t.text, t.accent);
+  const double bodyHeight = height() - PanelAnchor::arrowHeight;
+  View& body = root_.make<View>();
+  body.frame = {0, bodyTop(), width(), bodyHeight};
+  body_ = &body;
+  auto& gauge = body.make<SymbolView>(Symbol::gauge, t.text, t.accent);
   gauge.frame = {kPadding, kTitleTop + 2, 20, 20};
   auto& title =
-      root_.make<Label>(L("firstrun.title"), TextStyle{{t.titleSize - 1, FontWeight::bold}, t.text});
+      body.make<Label>(L("firstrun.title"), TextStyle{{t.titleSize - 1, FontWeight::bold}, t.text});
   title.frame = {kTextX, kTitleTop, textWidth, kTitleHeight};
   title.id = "title";
 
@@ -71,22 +85,22 @@ void FirstRunTipContent::build() {
                              {Symbol::gear, "firstrun.gear", "gear"}};
   double y = kLineTop;
   for (const Line& line : kLines) {
-    auto& symbol = root_.make<SymbolView>(line.symbol, t.accent, t.accent);
+    auto& symbol = body.make<SymbolView>(line.symbol, t.accent, t.accent);
     symbol.frame = {kPadding + 2, y + 1, 16, 16};
-    auto& label = root_.make<Label>(L(line.key), TextStyle{{t.bodySize - 0.5}, t.text});
+    auto& label = body.make<Label>(L(line.key), TextStyle{{t.bodySize - 0.5}, t.text});
     label.frame = {kTextX, y, textWidth, kLineHeight};
     label.id = line.id;
     lines_.push_back(&label);
     y += kLineStep;
   }
 
-  auto& button = root_.make<Button>(
+  auto& button = body.make<Button>(
       t, L("firstrun.dismiss"),
       [this] {
         if (onDismiss_) onDismiss_();
       },
       Button::Role::prominent);
-  button.frame = {width() - kPadding - kButtonWidth, height() - 12 - kButtonHeight, kButtonWidth,
+  button.frame = {width() - kPadding - kButtonWidth, bodyHeight - 12 - kButtonHeight, kButtonWidth,
                   kButtonHeight};
   button.id = "dismiss";
 }

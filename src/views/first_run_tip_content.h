@@ -40,6 +40,7 @@ class FirstRunTipContent final : public HostedContent {
 
  private:
   void build();
+  [[nodiscard]] double bodyTop() const;
   void repaint() const;
   void setHovered(View* view);
 
@@ -47,7 +48,9 @@ class FirstRunTipContent final : public HostedContent {
   const Theme& theme_;
   std::function<void()> onDismiss_;
   Published<double>::Token anchorToken_;
+  Published<bool>::Token arrowBelowToken_;
   View root_;
+  View* body_ = nullptr;
   std::vector<Label*> lines_;
   bool laidOut_ = false;
   View* hovered_ = nullptr;

@@ -16,6 +16,8 @@ PanelRoot::PanelRoot(PanelActions& actions, TextMeasurer& measurer, PanelChrome 
   arrowToken_ = chrome_.anchor.arrowX.subscribe([this](const double&) {
     if (needsRedraw) needsRedraw();
   });
+  // A card standing on its item has the arrow underneath: the faces move up to the top edge.
+  arrowBelowToken_ = chrome_.anchor.arrowBelow.subscribe([this](const bool&) { markChanged(); });
   flipToken_ = chrome_.flip.flipped.subscribe([this](const bool&) {
     // The other face has other controls: Tab starts again from its first.
     setFocused(nullptr);
@@ -25,6 +27,7 @@ PanelRoot::PanelRoot(PanelActions& actions, TextMeasurer& measurer, PanelChrome 
 
 PanelRoot::~PanelRoot() {
   chrome_.anchor.arrowX.unsubscribe(arrowToken_);
+  chrome_.anchor.arrowBelow.unsubscribe(arrowBelowToken_);
   chrome_.flip.flipped.unsubscribe(flipToken_);
 }
 
@@ -68,7 +71,7 @@ void PanelRoot::rebuild() {
   auto front =
       model_.skin == PanelSkin::vitals ? buildVitalsFace(*ctx_, faceSize) : buildGlassFace(*ctx_, faceSize);
   auto back = buildSettingsFace(*ctx_, faceSize);
-  front->frame.y = back->frame.y = kArrowHeight;
+  front->frame.y = back->frame.y = faceTop();
   front_ = &root_.add(std::move(front));
   back_ = &root_.add(std::move(back));
   root_.layoutTree(measurer_);
@@ -108,7 +111,9 @@ View& PanelRoot::tree() {
   return root_;
 }
 
-Point PanelRoot::toFace(Point p) const { return {p.x, p.y - kArrowHeight}; }
+double PanelRoot::faceTop() const { return chrome_.anchor.arrowBelow() ? 0 : kArrowHeight; }
+
+Point PanelRoot::toFace(Point p) const { return {p.x, p.y - faceTop()}; }
 
 void PanelRoot::setHovered(View* view, bool quietly) {
   if (view == hovered_) return;

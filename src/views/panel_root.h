@@ -91,6 +91,8 @@ class PanelRoot {
   void rebuild();
   [[nodiscard]] View* activeFace() const;
   [[nodiscard]] Point toFace(Point p) const;
+  // Where the faces start: below the arrow, or at the top when the arrow is underneath.
+  [[nodiscard]] double faceTop() const;
   // Asks for a redraw when the hover moved, unless `quietly` (a rebuild that is being painted).
   void setHovered(View* view, bool quietly = false);
   void setFocused(View* view);
@@ -108,6 +110,7 @@ class PanelRoot {
   std::optional<FaceContext> ctx_;  // rebuilt with the tree, so the skin's theme follows the model
   PanelChrome chrome_;
   Published<double>::Token arrowToken_;
+  Published<bool>::Token arrowBelowToken_;
   Published<bool>::Token flipToken_;
   double animatedUntil_;  // the clock's time the row spring was last moved to
   View root_;

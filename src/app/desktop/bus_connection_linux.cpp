@@ -19,7 +19,7 @@ std::uint64_t monotonicMicros() {
 
 }  // namespace
 
-std::unique_ptr<BusConnection> BusConnection::openUser(MainLoop& loop, FdWatcher& watcher,
+std::unique_ptr<BusConnection> BusConnection::openUser(LinuxMainLoop& loop,
                                                        std::string& error) {
   sd_bus* bus = nullptr;
   if (const int r = sd_bus_open_user(&bus); r < 0) {
@@ -32,7 +32,7 @@ std::unique_ptr<BusConnection> BusConnection::openUser(MainLoop& loop, FdWatcher
     sd_bus_flush_close_unref(bus);
     return nullptr;
   }
-  auto connection = std::unique_ptr<BusConnection>(new BusConnection(loop, watcher, bus, fd));
+  auto connection = std::unique_ptr<BusConnection>(new BusConnection(loop, bus, fd));
   // The connection's handshake may already have read messages that no poll will announce.
   loop.post([weak = std::weak_ptr<BusConnection*>(connection->lifetime_)] {
     if (auto self = weak.lock()) (*self)->pump();
@@ -40,13 +40,12 @@ std::unique_ptr<BusConnection> BusConnection::openUser(MainLoop& loop, FdWatcher
   return connection;
 }
 
-BusConnection::BusConnection(MainLoop& loop, FdWatcher& watcher, sd_bus* bus, int fd)
-    : loop_(loop), watcher_(watcher), bus_(bus), fd_(fd) {
-  watcher_.watchReadable(fd_, [this] { pump(); });
+BusConnection::BusConnection(LinuxMainLoop& loop, sd_bus* bus, int fd) : loop_(loop), bus_(bus), fd_(fd) {
+  loop_.watchReadable(fd_, [this] { pump(); });
 }
 
 BusConnection::~BusConnection() {
-  if (fd_ >= 0) watcher_.unwatch(fd_);
+  if (fd_ >= 0) loop_.unwatch(fd_);
   sd_bus_flush_close_unref(bus_);
 }
 
@@ -64,7 +63,7 @@ void BusConnection::pump() {
   if (r >= 0) r = sd_bus_flush(bus_);
   if (r < 0) {
     Log::debug(std::string("Session bus connection lost: ") + std::strerror(-r));
-    watcher_.unwatch(fd_);
+    loop_.unwatch(fd_);
     fd_ = -1;
     if (onDisconnected) onDisconnected();
     return;

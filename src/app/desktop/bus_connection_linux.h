@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "base/fd_watcher.h"
+#include "base/linux_main_loop.h"
 #include "base/main_loop.h"
 
 struct sd_bus;
@@ -12,13 +12,13 @@ struct sd_bus;
 namespace quillmark {
 
 // A session-bus connection driven by the program's main loop: its socket is watched through the
-// FdWatcher, and while an asynchronous call waits for its reply a one-shot wake-up covers the
+// loop, and while an asynchronous call waits for its reply a one-shot wake-up covers the
 // call's timeout. Handlers registered on get() run inside pump(), on the main thread. Nothing here
 // polls: an idle connection costs nothing. Main thread only.
 class BusConnection {
  public:
   // Absent, with a sentence in error, when there is no session bus.
-  [[nodiscard]] static std::unique_ptr<BusConnection> openUser(MainLoop& loop, FdWatcher& watcher,
+  [[nodiscard]] static std::unique_ptr<BusConnection> openUser(LinuxMainLoop& loop,
                                                                std::string& error);
   ~BusConnection();
   BusConnection(const BusConnection&) = delete;
@@ -34,11 +34,10 @@ class BusConnection {
   std::function<void()> onDisconnected;
 
  private:
-  BusConnection(MainLoop& loop, FdWatcher& watcher, sd_bus* bus, int fd);
+  BusConnection(LinuxMainLoop& loop, sd_bus* bus, int fd);
   void armTimeout();
 
-  MainLoop& loop_;
-  FdWatcher& watcher_;
+  LinuxMainLoop& loop_;
   sd_bus* bus_ = nullptr;
   int fd_ = -1;
   bool timeoutArmed_ = false;

@@ -19,7 +19,7 @@ namespace {
 constexpr const char* kCtlUsage =
     "usage: quillmark ctl <verb> [arguments]\n"
     "\n"
-    "Asks the running Quillmark (quillmark --serve) over the session bus.\n"
+    "Asks the running Quillmark (the desktop program or quillmark --serve) over the session bus.\n"
     "  snapshot            the latest measurement as one JSON line (as --json prints it)\n"
     "  processes           the ranked process list as JSON\n"
     "  pause PID           freeze the application (process group) of PID\n"
@@ -28,6 +28,7 @@ constexpr const char* kCtlUsage =
     "  terminate PID [--force]\n"
     "                      end PID; without --force only names on the pre-authorised list\n"
     "  pin NAME, unpin NAME\n"
+    "  open-panel          open the panel under the tray item (the desktop program)\n"
     "Exit status: 0 done, 1 refused or failed, 2 bad command line, 3 no running instance.\n";
 
 constexpr int kRefused = 1;
@@ -125,9 +126,12 @@ int ctlMain(int argc, const char* const* argv) {
     std::fputs(kCtlUsage, stdout);
     return 0;
   }
-  if (verb == "snapshot" || verb == "processes" || verb == "resume-all") {
+  if (verb == "snapshot" || verb == "processes" || verb == "resume-all" || verb == "open-panel") {
     if (extra != 0) return usage(std::string(verb) + " takes no arguments");
-    const char* method = verb == "snapshot" ? "Snapshot" : verb == "processes" ? "Processes" : "ResumeAll";
+    const char* method = verb == "snapshot"     ? "Snapshot"
+                         : verb == "processes"  ? "Processes"
+                         : verb == "open-panel" ? "OpenPanel"
+                                                : "ResumeAll";
     return call(method, "", 0, 0, nullptr);
   }
   if (verb == "pause" || verb == "resume" || verb == "terminate") {

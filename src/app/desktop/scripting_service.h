@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "base/poll_main_loop.h"
+#include "base/linux_main_loop.h"
 #include "processes/pause_manager.h"
 #include "processes/pin_store.h"
 #include "processes/termination.h"
@@ -28,9 +28,11 @@ namespace quillmark {
 //   Terminate(i pid, b force) force stands for the user's confirmation; without it only names on
 //                            the pre-authorised list are ended
 //   Pin(s name), Unpin(s name)
+//   OpenPanel()              opens the panel under the tray item (the desktop program; a second
+//                            start of `quillmark` calls it); refused by an instance without one
 // Refusals come back as errors named com.quillmark.Quillmark1.Error.<Reason> with a sentence.
 //
-// sd-bus is driven by the PollMainLoop (its descriptor is watched), so calls run on the main
+// sd-bus is driven by the main loop (its descriptor is watched), so calls run on the main
 // thread with the services they touch. Main thread only.
 class ScriptingService {
  public:
@@ -47,12 +49,14 @@ class ScriptingService {
     SettingsManager& settings;
     // The latest snapshot line; absent until the first measurement is in.
     std::function<std::optional<std::string>()> snapshotJson;
+    // Shows the panel; absent where the instance has none (--serve).
+    std::function<void()> openPanel = nullptr;
   };
 
   // Connects to the session bus and claims the name. Absent, with a sentence in `error`, when
   // there is no session bus or another instance holds the name. Claim before building anything
   // that a second instance must not touch (stored paused groups, say).
-  [[nodiscard]] static std::unique_ptr<ScriptingService> claim(PollMainLoop& loop, std::string& error);
+  [[nodiscard]] static std::unique_ptr<ScriptingService> claim(LinuxMainLoop& loop, std::string& error);
   ~ScriptingService();
   ScriptingService(const ScriptingService&) = delete;
   ScriptingService& operator=(const ScriptingService&) = delete;
@@ -64,10 +68,10 @@ class ScriptingService {
   std::function<void()> onDisconnected;
 
  private:
-  ScriptingService(PollMainLoop& loop, sd_bus* bus);
+  ScriptingService(LinuxMainLoop& loop, sd_bus* bus);
   void pump();
 
-  PollMainLoop& loop_;
+  LinuxMainLoop& loop_;
   sd_bus* bus_ = nullptr;
   sd_bus_slot* slot_ = nullptr;
   int fd_ = -1;

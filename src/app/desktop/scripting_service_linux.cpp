@@ -128,6 +128,14 @@ struct ScriptingMethods {
     }
     return sd_bus_reply_method_return(m, "");
   }
+  static int openPanel(sd_bus_message* m, void* userdata, sd_bus_error* error) {
+    auto& s = services(userdata);
+    if (!s.openPanel)
+      return fail(error, kRefused, "this Quillmark has no panel (it was started with --serve)");
+    s.openPanel();
+    return sd_bus_reply_method_return(m, "");
+  }
+
   static int pinOn(sd_bus_message* m, void* u, sd_bus_error* e) { return pin(m, u, e, true); }
   static int pinOff(sd_bus_message* m, void* u, sd_bus_error* e) { return pin(m, u, e, false); }
 };
@@ -145,12 +153,13 @@ const sd_bus_vtable kVtable[] = {
     SD_BUS_METHOD("Terminate", "ib", "", &ScriptingMethods::terminate, kUnprivileged),
     SD_BUS_METHOD("Pin", "s", "", &ScriptingMethods::pinOn, kUnprivileged),
     SD_BUS_METHOD("Unpin", "s", "", &ScriptingMethods::pinOff, kUnprivileged),
+    SD_BUS_METHOD("OpenPanel", "", "", &ScriptingMethods::openPanel, kUnprivileged),
     SD_BUS_VTABLE_END,
 };
 
 }  // namespace
 
-std::unique_ptr<ScriptingService> ScriptingService::claim(PollMainLoop& loop, std::string& error) {
+std::unique_ptr<ScriptingService> ScriptingService::claim(LinuxMainLoop& loop, std::string& error) {
   sd_bus* bus = nullptr;
   if (const int r = sd_bus_open_user(&bus); r < 0) {
     error = std::string("no session bus: ") + std::strerror(-r);
@@ -166,7 +175,7 @@ std::unique_ptr<ScriptingService> ScriptingService::claim(PollMainLoop& loop, st
   return std::unique_ptr<ScriptingService>(new ScriptingService(loop, bus));
 }
 
-ScriptingService::ScriptingService(PollMainLoop& loop, sd_bus* bus) : loop_(loop), bus_(bus) {}
+ScriptingService::ScriptingService(LinuxMainLoop& loop, sd_bus* bus) : loop_(loop), bus_(bus) {}
 
 ScriptingService::~ScriptingService() {
   if (fd_ >= 0) loop_.unwatch(fd_);

@@ -49,6 +49,10 @@ second=0
 timeout 5 "$bin" --serve 2>"$home/err" || second=$?
 [ "$second" = 1 ] && grep -q "another Quillmark" "$home/err" || fail "second --serve exited $second: $(cat "$home/err")"
 
+# --serve has no panel to open.
+expect_status 1 open-panel
+grep -q "no panel" "$home/err" || fail "open-panel on --serve: $(cat "$home/err")"
+
 expect_status 0 snapshot
 python3 -c 'import json,sys; d=json.load(open(sys.argv[1])); assert "cpu" in json.dumps(d) and d["time"] > 0' "$home/out" ||
   fail "snapshot is not the --json line: $(head -c 300 "$home/out")"

@@ -10,6 +10,7 @@
 #include "app/frontend/stop_signals.h"
 #include "app/services/app_services.h"
 #include "base/log.h"
+#include "base/poll_main_loop.h"
 #include "settings/l10n.h"
 
 namespace quillmark {

@@ -6,6 +6,12 @@
 
 namespace quillmark {
 
+// Where the tray host reported a click, in its screen pixels.
+struct TrayClick {
+  int x = 0;
+  int y = 0;
+};
+
 // What the desktop program does when the user acts on its tray item. Coordinates are the
 // pointer's position in screen pixels as the tray host reports it (0, 0 when the host does not
 // say; Wayland hosts never do). Called on the main thread, from inside the bus dispatch.

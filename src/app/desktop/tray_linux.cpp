@@ -19,14 +19,13 @@ std::string labelGuide(const std::string& text) {
 
 }  // namespace
 
-Tray::Tray(MainLoop& loop, FdWatcher& watcher, TrayDelegate& delegate)
-    : loop_(loop), watcher_(watcher), delegate_(delegate) {}
+Tray::Tray(LinuxMainLoop& loop, TrayDelegate& delegate) : loop_(loop), delegate_(delegate) {}
 
 Tray::~Tray() { stop(); }
 
 bool Tray::start(std::string& error) {
   if (bus_) return true;
-  bus_ = BusConnection::openUser(loop_, watcher_, error);
+  bus_ = BusConnection::openUser(loop_, error);
   if (!bus_) return false;
   bus_->onDisconnected = [this] { delegate_.trayShown(false); };
   menu_ = std::make_unique<DbusMenu>(

@@ -26,7 +26,7 @@ class Tray {
  public:
   static constexpr const char* kId = "quillmark";
 
-  Tray(MainLoop& loop, FdWatcher& watcher, TrayDelegate& delegate);
+  Tray(LinuxMainLoop& loop, TrayDelegate& delegate);
   ~Tray();
   Tray(const Tray&) = delete;
   Tray& operator=(const Tray&) = delete;
@@ -56,8 +56,7 @@ class Tray {
   };
   void redraw();
 
-  MainLoop& loop_;
-  FdWatcher& watcher_;
+  LinuxMainLoop& loop_;
   TrayDelegate& delegate_;
   TrayPainter painter_;
   Look wanted_;

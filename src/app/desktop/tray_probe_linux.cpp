@@ -62,6 +62,7 @@ class PanelHost final : public PanelWindowHost {
 
 class TipHost final : public FirstRunTipHost {
  public:
+  bool build() override { return true; }
   void show(ScreenPoint) override {}
   void dismiss() override {}
 };
@@ -97,13 +98,13 @@ int probeMain() {
 
   MenuBarController* controller = nullptr;
   TrayStatusItemHost item(
-      {loop, loop, *monitor, settings, l10n, [&] { return controller->buildMenu(); },
+      {loop, *monitor, settings, l10n, [&] { return controller->buildMenu(); },
        [&](MenuAction action, const MenuValue& value) {
          say(std::string("perform ") + nameOf(action));
          controller->perform(action, value);
        },
-       [](int x, int y) {
-         say("anchor " + std::to_string(x) + " " + std::to_string(y));
+       [](const std::optional<TrayClick>& click) {
+         say(click ? "anchor " + std::to_string(click->x) + " " + std::to_string(click->y) : "anchor none");
          return AnchorGeometry{};
        },
        [](const std::vector<MenuEntry>& menu, auto) { say("popup " + std::to_string(menu.size())); },

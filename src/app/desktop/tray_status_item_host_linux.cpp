@@ -6,7 +6,7 @@
 namespace quillmark {
 
 TrayStatusItemHost::TrayStatusItemHost(Environment environment)
-    : env_(std::move(environment)), tray_(env_.loop, env_.watcher, *this) {
+    : env_(std::move(environment)), tray_(env_.loop, *this) {
   tray_.setTitle(L(env_.l10n, "menu.title"));
 }
 
@@ -55,8 +55,7 @@ void TrayStatusItemHost::setTitle(const std::string& title) {
 }
 
 AnchorGeometry TrayStatusItemHost::anchor() const {
-  if (!lastClick_ || !env_.anchorAt) return {};
-  return env_.anchorAt(lastClick_->first, lastClick_->second);
+  return env_.anchorAt ? env_.anchorAt(lastClick_) : AnchorGeometry{};
 }
 
 void TrayStatusItemHost::popUpMenu(const std::vector<MenuEntry>& menu,
@@ -68,13 +67,22 @@ void TrayStatusItemHost::popUpMenu(const std::vector<MenuEntry>& menu,
   }
 }
 
+void TrayStatusItemHost::remember(int x, int y) {
+  // Hosts that do not know where the item is send 0, 0; a real click there is not worth the doubt.
+  if (x == 0 && y == 0) {
+    lastClick_.reset();
+  } else {
+    lastClick_ = TrayClick{x, y};
+  }
+}
+
 void TrayStatusItemHost::activate(int x, int y) {
-  lastClick_ = {x, y};
+  remember(x, y);
   if (onClick_) onClick_(StatusClick::left);
 }
 
 void TrayStatusItemHost::contextMenu(int x, int y) {
-  lastClick_ = {x, y};
+  remember(x, y);
   if (onClick_) onClick_(StatusClick::right);
 }
 

@@ -26,8 +26,7 @@ namespace quillmark {
 class TrayStatusItemHost final : public StatusItemHost, private TrayDelegate {
  public:
   struct Environment {
-    MainLoop& loop;
-    FdWatcher& watcher;
+    LinuxMainLoop& loop;
     Monitor& monitor;
     SettingsManager& settings;
     L10n& l10n;
@@ -35,9 +34,10 @@ class TrayStatusItemHost final : public StatusItemHost, private TrayDelegate {
     // perform).
     std::function<std::vector<MenuEntry>()> menu;
     std::function<void(MenuAction, const MenuValue&)> perform;
-    // Where the panel should hang for a click at (x, y) in screen pixels (y down), as the window
-    // side knows the monitors; absent or returning nothing leaves the placement to the panel.
-    std::function<AnchorGeometry(int x, int y)> anchorAt;
+    // Where the panel should hang for a click (screen pixels, y down), or for the tray's likely
+    // place when there was none (the first-run tip, `quillmark ctl open-panel`), as the window side
+    // knows the monitors; absent leaves the placement to the panel.
+    std::function<AnchorGeometry(const std::optional<TrayClick>&)> anchorAt;
     // Pops a menu up for hosts that ask the item to show it (ContextMenu); absent: not shown.
     std::function<void(const std::vector<MenuEntry>&, std::function<void(MenuAction, const MenuValue&)>)>
         popUpMenu;
@@ -56,7 +56,8 @@ class TrayStatusItemHost final : public StatusItemHost, private TrayDelegate {
   void refreshMenu() { tray_.refreshMenu(); }
 
   // StatusItemHost
-  [[nodiscard]] bool hasButton() const override { return started_; }
+  // The item anchors the panel even where no tray shows it (`quillmark ctl open-panel`).
+  [[nodiscard]] bool hasButton() const override { return true; }
   [[nodiscard]] bool isVisible() const override { return shown_; }
   void setClickHandler(std::function<void(StatusClick)> onClick) override { onClick_ = std::move(onClick); }
   void setToolTip(const std::string& text) override;
@@ -64,10 +65,10 @@ class TrayStatusItemHost final : public StatusItemHost, private TrayDelegate {
   void showIconWithText() override;
   [[nodiscard]] std::string title() const override { return title_; }
   void setTitle(const std::string& title) override;
-  [[nodiscard]] std::optional<ScreenRect> buttonBounds() const override { return std::nullopt; }
+  [[nodiscard]] std::optional<ScreenRect> buttonBounds() const override { return anchor().item; }
   [[nodiscard]] std::optional<ScreenRect> windowFrame() const override { return std::nullopt; }
   void setWindowFrame(const ScreenRect&) override {}
-  [[nodiscard]] std::optional<ScreenRect> mainScreenFrame() const override { return std::nullopt; }
+  [[nodiscard]] std::optional<ScreenRect> mainScreenFrame() const override { return anchor().visibleFrame; }
   [[nodiscard]] AnchorGeometry anchor() const override;
   void popUpMenu(const std::vector<MenuEntry>& menu,
                  std::function<void(MenuAction, const MenuValue&)> onChoose) override;
@@ -89,7 +90,9 @@ class TrayStatusItemHost final : public StatusItemHost, private TrayDelegate {
   bool textMode_ = false;
   std::string title_;
   std::string hint_;
-  std::optional<std::pair<int, int>> lastClick_;
+  void remember(int x, int y);
+
+  std::optional<TrayClick> lastClick_;
   std::function<void(StatusClick)> onClick_;
   Published<NetSample>::Token networkToken_ = 0;
 };

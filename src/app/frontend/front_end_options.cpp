@@ -9,7 +9,8 @@
 namespace quillmark {
 namespace {
 
-// "--status-line" names today's default so that plain "quillmark" can start something else later.
+// "--status-line" names the terminal's default, which plain "quillmark" means outside a graphical
+// session (inside one it starts the desktop program).
 constexpr std::array<std::pair<std::string_view, OutputFormat>, 4> kFormats = {{
     {"--status-line", OutputFormat::text},
     {"--json", OutputFormat::json},
@@ -46,6 +47,8 @@ std::optional<FrontEndOptions> FrontEndOptions::parse(int argc, const char* cons
       options.version = true;
     } else if (arg == "--serve") {
       options.serve = true;
+    } else if (arg == "--desktop") {
+      options.desktop = true;
     } else if (arg == "--count" || arg == "-n") {
       if (i + 1 >= argc) {
         error = "--count needs a number";

@@ -22,6 +22,7 @@ struct FrontEndOptions {
   bool help = false;
   bool version = false;
   bool serve = false;         // --serve: no output, answer the scripting interface on the session bus
+  bool desktop = false;       // --desktop: the desktop program even without a tray to show it
   std::optional<long> count;  // lines (status arrays for i3bar) to print before exiting
 
   // Absent with a message in `error` for an unknown option, two formats, or a bad count.

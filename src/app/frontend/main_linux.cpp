@@ -25,15 +25,19 @@ namespace {
 
 constexpr const char* kUsage =
     "usage: quillmark [--status-line | --json | --waybar | --i3bar] [--count N]\n"
-    "       quillmark --serve | ctl <verb> ...\n"
+    "       quillmark [--desktop] | --serve | ctl <verb> ...\n"
     "\n"
-    "Prints what Quillmark measures once per refresh interval; the first line comes after one\n"
-    "second of measuring, so even a single line tells the truth.\n"
-    "  --status-line  the menu-bar text, \"CPU 12% MEM 63%\" (the default)\n"
+    "In a graphical session plain `quillmark` is the desktop program: an icon in the system tray\n"
+    "whose click opens the panel (a second start opens the running one's panel).\n"
+    "Otherwise, and with an output option, it prints what Quillmark measures once per refresh\n"
+    "interval; the first line comes after one second of measuring, so even a single line tells\n"
+    "the truth.\n"
+    "  --status-line  the menu-bar text, \"CPU 12% MEM 63%\" (the default outside a session)\n"
     "  --json         every measurement as one JSON line (all fields, null when absent)\n"
     "  --waybar       one JSON object per line for a waybar custom module (return-type json)\n"
     "  --i3bar        the i3bar protocol, for i3bar and swaybar (status_command)\n"
     "  --count N      exit after N lines (N status arrays with --i3bar)\n"
+    "  --desktop      the desktop program even where no tray shows it (quillmark ctl open-panel)\n"
     "  --serve        no output: answer scripts on the session bus (quillmark ctl --help)\n"
     "  --render-panel FILE.png  draw the panel into a PNG instead (see --render-panel --help)\n"
     "  --help         show this text\n"
@@ -60,6 +64,9 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (options->serve) return serveMain();
+  if (options->desktop || (argc == 1 && hasGraphicalSession())) {
+    if (const auto status = desktopMain(options->desktop)) return *status;
+  }
 
   // Before any thread starts, so that every thread inherits the blocked stop signals.
   StopSignals stopSignals;
