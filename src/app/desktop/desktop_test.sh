@@ -138,4 +138,36 @@ GDK_SCALE=2 start_app --desktop
 panel_at "1744 48 800 1336"
 shot desktop-panel-2x "1744 48 800 1336"
 stop_app
+stop_xvfb
+
+# 6. A tray host on the bus (the mock watcher of tray_test.py) under a 24 px top bar: the item
+# registers, its menu is there, a click in the bar hangs the panel from the bar under the click,
+# a second click closes it, and nothing is said about a missing tray.
+if "$python" -c 'import dbus, gi' 2>/dev/null; then
+  start_xvfb 1280x800
+  coproc WM { x11 hold-work-area 0 24 1280 776; }
+  wm=$WM_PID
+  read -r ready <&"${WM[0]}"
+  [ "$ready" = ready ] || fail "the fake window manager did not start"
+  coproc WATCHER { "$python" "$here/tray_test.py" watcher; }
+  watcher=$WATCHER_PID
+  read -r ready <&"${WATCHER[0]}"
+  [ "$ready" = "watcher ready" ] || fail "the mock tray host did not start"
+  start_app --desktop
+  read -r -t 30 registered service _ <&"${WATCHER[0]}" || fail "the item did not register with the tray host"
+  [ "$registered" = registered ] || fail "the tray host heard: $registered $service"
+  tray() { "$python" "$here/tray_test.py" item "$service" "$@"; }
+  menu=$(tray menu) || fail "no menu on the item"
+  [[ "$menu" == Quillmark\|-\|*\|Quit\ Quillmark ]] || fail "the item's menu is $menu"
+  tray activate 600 12 || fail "Activate failed"
+  geometry=$(x11 wait-window quillmark-panel present 30) || fail "no panel after a tray click"
+  [ "$geometry" = "400 24 400 668" ] || fail "panel at $geometry after a click at 600, 12"
+  sleep 0.5  # past the reopen debounce
+  tray activate 600 12 || fail "the second Activate failed"
+  x11 wait-window quillmark-panel gone 30 >/dev/null || fail "a second click did not close the panel"
+  ! grep -q "no system tray" "$home/err" || fail "a missing tray was reported with a tray host there"
+  stop_app
+  kill "$watcher" "$wm" 2>/dev/null || true
+  wm=
+fi
 echo "desktop program: all checks passed; screenshots in $outdir"

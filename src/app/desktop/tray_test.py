@@ -248,8 +248,24 @@ def main():
     print("ok")
 
 
+def call_item(service, command, args):
+    """For the desktop program's test: `menu` prints the menu's top-level labels (separators as
+    "-"), `activate X Y` clicks the item there."""
+    bus = dbus.SessionBus()
+    if command == "menu":
+        menu = bus.get_object(service, "/MenuBar")
+        _, layout = menu.GetLayout(0, -1, dbus.Array([], signature="s"), dbus_interface=MENU)
+        print("|".join(p.get("label", "-") for _, p, depth, _ in flatten(layout) if depth == 1))
+    elif command == "activate":
+        bus.get_object(service, "/StatusNotifierItem").Activate(int(args[0]), int(args[1]), dbus_interface=ITEM)
+    else:
+        sys.exit("unknown item command " + command)
+
+
 if __name__ == "__main__":
     if len(sys.argv) > 1 and sys.argv[1] == "watcher":
         run_watcher()
+    elif len(sys.argv) > 3 and sys.argv[1] == "item":
+        call_item(sys.argv[2], sys.argv[3], sys.argv[4:])
     else:
         main()
