@@ -2,7 +2,8 @@
 
 namespace quillmark {
 
-PanelCardShape PanelCardShape::withArrowAt(double width, double height, double requestedArrowX, bool arrowBelow) {
+PanelCardShape PanelCardShape::withArrowAt(double width, double height, double requestedArrowX,
+                                           bool arrowBelow) {
   const double arrowX = PanelAnchor::clamp(requestedArrowX, width);
   const double top = PanelAnchor::arrowHeight;
   const double half = PanelAnchor::arrowWidth / 2;

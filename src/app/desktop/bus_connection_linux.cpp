@@ -19,8 +19,7 @@ std::uint64_t monotonicMicros() {
 
 }  // namespace
 
-std::unique_ptr<BusConnection> BusConnection::openUser(LinuxMainLoop& loop,
-                                                       std::string& error) {
+std::unique_ptr<BusConnection> BusConnection::openUser(LinuxMainLoop& loop, std::string& error) {
   sd_bus* bus = nullptr;
   if (const int r = sd_bus_open_user(&bus); r < 0) {
     error = std::string("no session bus: ") + std::strerror(-r);

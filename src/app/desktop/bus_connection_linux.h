@@ -18,8 +18,7 @@ namespace quillmark {
 class BusConnection {
  public:
   // Absent, with a sentence in error, when there is no session bus.
-  [[nodiscard]] static std::unique_ptr<BusConnection> openUser(LinuxMainLoop& loop,
-                                                               std::string& error);
+  [[nodiscard]] static std::unique_ptr<BusConnection> openUser(LinuxMainLoop& loop, std::string& error);
   ~BusConnection();
   BusConnection(const BusConnection&) = delete;
   BusConnection& operator=(const BusConnection&) = delete;

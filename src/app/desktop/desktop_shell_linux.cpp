@@ -15,7 +15,10 @@ namespace quillmark {
 DesktopShell::DesktopShell(AppServices& services, LinuxMainLoop& loop)
     : loop_(loop),
       icons_(ProcessVisualCache::shared(), *imageLoader_),
-      statusItem_({loop, services.monitor(), services.settings(), L10n::shared(),
+      statusItem_({loop,
+                   services.monitor(),
+                   services.settings(),
+                   L10n::shared(),
                    [this] { return controller_ ? controller_->buildMenu() : std::vector<MenuEntry>{}; },
                    [this](MenuAction action, const MenuValue& value) {
                      if (controller_) controller_->perform(action, value);
@@ -43,13 +46,14 @@ DesktopShell::DesktopShell(AppServices& services, LinuxMainLoop& loop)
           },
           loop, [this] { tip_.dismiss(); }),
       tip_(tipHost_, loop, services.settings(), services.panelAnchor()),
-      menuBar_({statusItem_, loop, services.settings(), L10n::shared(), services.skins(), services.monitor(),
-                panel_, services.panelFlip(), tip_,
-                // The root has started both already; starting again does nothing, and the
-                // alerts learn here how to open the panel.
-                [] { PressureMonitor::shared().start(); },
-                [](std::function<void()> openPanel) { AlertManager::shared().panelOpener = std::move(openPanel); },
-                [&loop] { loop.quit(); }}) {
+      menuBar_(
+          {statusItem_, loop, services.settings(), L10n::shared(), services.skins(), services.monitor(),
+           panel_, services.panelFlip(), tip_,
+           // The root has started both already; starting again does nothing, and the
+           // alerts learn here how to open the panel.
+           [] { PressureMonitor::shared().start(); },
+           [](std::function<void()> openPanel) { AlertManager::shared().panelOpener = std::move(openPanel); },
+           [&loop] { loop.quit(); }}) {
   controller_ = &menuBar_;
   panelHost_.onResignKey = [this] { panel_.windowDidResignKey(); };
   panelHost_.onCancel = [this] { panel_.cancelOperation(); };

@@ -182,7 +182,8 @@ struct GtkCardWindow::Events {
     if ((state & GDK_CONTROL_MASK) && (event->keyval == GDK_KEY_c || event->keyval == GDK_KEY_C ||
                                        event->keyval == GDK_KEY_x || event->keyval == GDK_KEY_X)) {
       const bool cut = event->keyval == GDK_KEY_x || event->keyval == GDK_KEY_X;
-      (void)self.content_.clipboard(cut ? HostedContent::ClipboardCommand::cut : HostedContent::ClipboardCommand::copy);
+      (void)self.content_.clipboard(cut ? HostedContent::ClipboardCommand::cut
+                                        : HostedContent::ClipboardCommand::copy);
       return TRUE;
     }
     if (const auto edit = editKeyOf(event->keyval, state)) {
