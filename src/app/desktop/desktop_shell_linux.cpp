@@ -1,5 +1,6 @@
 #include "app/desktop/desktop_shell_linux.h"
 
+#include "app/desktop/gtk_popup_menu_linux.h"
 #include "app/desktop/gtk_screens_linux.h"
 #include "app/shell/hosted_panel.h"
 #include "base/clock.h"
@@ -15,16 +16,13 @@ namespace quillmark {
 DesktopShell::DesktopShell(AppServices& services, LinuxMainLoop& loop)
     : loop_(loop),
       icons_(ProcessVisualCache::shared(), *imageLoader_),
-      statusItem_({loop,
-                   services.monitor(),
-                   services.settings(),
-                   L10n::shared(),
+      statusItem_({loop, services.monitor(), services.settings(), L10n::shared(),
                    [this] { return controller_ ? controller_->buildMenu() : std::vector<MenuEntry>{}; },
                    [this](MenuAction action, const MenuValue& value) {
                      if (controller_) controller_->perform(action, value);
                    },
                    gtkTrayAnchor,
-                   {},  // hosts that call ContextMenu get the item's dbusmenu shown by themselves
+                   gtkPopUpMenu,  // for hosts that call ContextMenu instead of drawing the dbusmenu
                    [this](bool shown) {
                      Log::debug(std::string("Tray host ") + (shown ? "present" : "absent"));
                      if (trayShown) trayShown(shown);

@@ -142,7 +142,7 @@ stop_xvfb
 
 # 6. A tray host on the bus (the mock watcher of tray_test.py) under a 24 px top bar: the item
 # registers, its menu is there, a click in the bar hangs the panel from the bar under the click,
-# a second click closes it, and nothing is said about a missing tray.
+# a second click closes it, ContextMenu pops the menu up, and nothing is said about a missing tray.
 if "$python" -c 'import dbus, gi' 2>/dev/null; then
   start_xvfb 1280x800
   coproc WM { x11 hold-work-area 0 24 1280 776; }
@@ -165,6 +165,10 @@ if "$python" -c 'import dbus, gi' 2>/dev/null; then
   sleep 0.5  # past the reopen debounce
   tray activate 600 12 || fail "the second Activate failed"
   x11 wait-window quillmark-panel gone 30 >/dev/null || fail "a second click did not close the panel"
+  # A host that asks the item to show its own menu gets a popup menu.
+  tray context-menu 600 12 || fail "ContextMenu failed"
+  x11 wait-window popup-menu present 30 >/dev/null || fail "no menu popped up for ContextMenu"
+  x11 press Escape
   ! grep -q "no system tray" "$home/err" || fail "a missing tray was reported with a tray host there"
   stop_app
   kill "$watcher" "$wm" 2>/dev/null || true

@@ -10,15 +10,23 @@ from Xlib.ext import xtest
 
 
 def windows_with_role(d, role):
-    """Viewable top-level windows whose WM_WINDOW_ROLE is role, as (window, x, y, w, h)."""
+    """Viewable top-level windows whose WM_WINDOW_ROLE is role (or, for the role "popup-menu",
+    whose window type is a popup menu), as (window, x, y, w, h)."""
     found = []
     root = d.screen().root
     atom = d.intern_atom("WM_WINDOW_ROLE")
+    kind = d.intern_atom("_NET_WM_WINDOW_TYPE")
+    popup = d.intern_atom("_NET_WM_WINDOW_TYPE_POPUP_MENU")
     for w in root.query_tree().children:
         try:
-            prop = w.get_full_property(atom, X.AnyPropertyType)
-            if not prop or prop.value.decode(errors="replace") != role:
-                continue
+            if role == "popup-menu":
+                prop = w.get_full_property(kind, Xatom.ATOM)
+                if not prop or popup not in prop.value:
+                    continue
+            else:
+                prop = w.get_full_property(atom, X.AnyPropertyType)
+                if not prop or prop.value.decode(errors="replace") != role:
+                    continue
             if w.get_attributes().map_state != X.IsViewable:
                 continue
             g = w.get_geometry()

@@ -250,14 +250,16 @@ def main():
 
 def call_item(service, command, args):
     """For the desktop program's test: `menu` prints the menu's top-level labels (separators as
-    "-"), `activate X Y` clicks the item there."""
+    "-"), `activate X Y` clicks the item there, `context-menu X Y` asks it for its menu there."""
     bus = dbus.SessionBus()
     if command == "menu":
         menu = bus.get_object(service, "/MenuBar")
         _, layout = menu.GetLayout(0, -1, dbus.Array([], signature="s"), dbus_interface=MENU)
         print("|".join(p.get("label", "-") for _, p, depth, _ in flatten(layout) if depth == 1))
-    elif command == "activate":
-        bus.get_object(service, "/StatusNotifierItem").Activate(int(args[0]), int(args[1]), dbus_interface=ITEM)
+    elif command in ("activate", "context-menu"):
+        item = bus.get_object(service, "/StatusNotifierItem")
+        call = item.Activate if command == "activate" else item.ContextMenu
+        call(int(args[0]), int(args[1]), dbus_interface=ITEM)
     else:
         sys.exit("unknown item command " + command)
 
