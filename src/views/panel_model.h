@@ -57,6 +57,9 @@ struct PanelModel {
   NetSample network;
   std::vector<ProcessSample> processes;
   std::vector<ProcessSample> energyRows;
+  // Whether the energy sort is offered: where nothing can estimate energy it would only ever
+  // show an empty list.
+  bool energyAvailable = true;
   std::optional<std::uint64_t> diskFree;
   std::optional<std::uint64_t> diskTotal;
   std::vector<double> fans;  // rpm

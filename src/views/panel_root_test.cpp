@@ -99,6 +99,14 @@ TEST(PanelRootTest, SortAndSearchChooseTheRows) {
   f.root.text({"", false});
   f.root.key({Key::escape});
   EXPECT_EQ(f.rowNames().size(), 5u);
+
+  // Where nothing can estimate energy the sort offers CPU and memory only.
+  PanelModel noEnergy = sampleModel();
+  noEnergy.energyAvailable = false;
+  f.root.setModel(noEnergy);
+  f.click(PanelFixture::at(*f.find("sort"), 0.1));
+  f.click(PanelFixture::at(*f.find("sort"), 0.9));
+  EXPECT_EQ(f.rowNames().front(), "Xcode");
 }
 
 TEST(PanelRootTest, ConfirmationsCallTheChosenOperationOrNone) {

@@ -23,7 +23,8 @@ PanelServices::Services PanelServices::sharedServices(MainLoop& loop, ProcessIco
           &FanController::shared(),
           &HistoryStore::shared(),
           &HistoryWindowState::shared(),
-          icons};
+          icons,
+          SharedInstance<SensorInventory>::installed() ? &SharedInstance<SensorInventory>::get() : nullptr};
 }
 
 PanelServices::PanelServices(Services s)
@@ -39,7 +40,8 @@ PanelServices::PanelServices(Services s)
       fans_(s.fans),
       history_(s.history),
       historyWindow_(s.historyWindow),
-      icons_(s.icons) {
+      icons_(s.icons),
+      inventory_(s.inventory) {
   Monitor& monitor = s.monitor;
   SettingsManager& settings = s.settings;
   watch(monitor.cpu);
@@ -123,6 +125,7 @@ PanelModel PanelServices::currentModel() const {
   m.network = monitor_.network();
   m.processes = monitor_.processes();
   m.energyRows = monitor_.energyRows();
+  m.energyAvailable = inventory_ ? inventory_->energyAvailable() : !m.energyRows.empty();
   if (monitor_.diskTotalBytes() > 0) {
     m.diskTotal = monitor_.diskTotalBytes();
     m.diskFree = monitor_.diskFreeBytes();

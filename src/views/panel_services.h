@@ -15,6 +15,7 @@
 #include "sampling/monitor.h"
 #include "settings/l10n.h"
 #include "settings/settings_manager.h"
+#include "sensors/sensor_inventory.h"
 #include "views/panel_actions.h"
 #include "views/process_icons.h"
 
@@ -43,6 +44,8 @@ class PanelServices final : public PanelActions {
     HistoryStore* history = nullptr;
     HistoryWindowState* historyWindow = nullptr;
     ProcessIconCache* icons = nullptr;
+    // Whether per-process energy can be had here; absent: offered while energy rows come in.
+    const SensorInventory* inventory = nullptr;
   };
   // Every service the composition root installed as its shared instance, the skin manager among
   // them, so the skin chosen on the settings face is stored under "panelSkin" and reaches every
@@ -108,6 +111,7 @@ class PanelServices final : public PanelActions {
   HistoryStore* history_;
   HistoryWindowState* historyWindow_;
   ProcessIconCache* icons_;
+  const SensorInventory* inventory_;
   std::optional<std::int32_t> expandedPid_;  // whose details the model carries
   std::function<void(const PanelModel&)> receiver_;
   std::vector<std::function<void()>> unsubscribers_;

@@ -254,8 +254,14 @@ void PinnedTrend::paint(Canvas& canvas) {
 void buildProcessSection(View& into, FaceContext& ctx, int maxRows) {
   const Theme& t = ctx.theme;
   auto& top = into.make<HStack>(6);
+  std::vector<std::string> sorts{L("proc.sort.cpu"), L("proc.sort.memory")};
+  if (ctx.model.energyAvailable) {
+    sorts.push_back(L("proc.sort.energy"));
+  } else if (ctx.state.sortMode == PanelModel::SortMode::energy) {
+    ctx.state.sortMode = PanelModel::SortMode::cpu;
+  }
   auto& sort = top.make<SegmentedPicker>(
-      t, std::vector<std::string>{L("proc.sort.cpu"), L("proc.sort.memory"), L("proc.sort.energy")},
+      t, std::move(sorts),
       static_cast<int>(ctx.state.sortMode), [&ctx](int index) {
         ctx.state.sortMode = static_cast<PanelModel::SortMode>(index);
         ctx.changed();
