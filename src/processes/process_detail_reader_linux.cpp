@@ -4,8 +4,8 @@
 #include <charconv>
 
 #include "base/file_util.h"
-#include "processes/proc_stat_fields.h"
 #include "processes/process_detail_reader.h"
+#include "sampling/linux/proc_parsers.h"
 
 namespace quillmark::ProcessDetailReader {
 namespace {
@@ -51,7 +51,7 @@ std::optional<ProcessDetail> read(std::int32_t pid, std::string_view fallbackNam
   const std::string dir = "/proc/" + std::to_string(pid) + "/";
   const auto statText = readWholeFile(dir + "stat");
   if (!statText) return std::nullopt;
-  const auto stat = procfs::parseStatFields(*statText);
+  const auto stat = procfs::parsePidStat(*statText);
   if (!stat) return std::nullopt;
   const Constants& c = constants();
 
