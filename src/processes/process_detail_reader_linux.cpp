@@ -1,11 +1,10 @@
 #include <unistd.h>
 
 #include <array>
-#include <charconv>
 
 #include "base/file_util.h"
-#include "processes/proc_stat_fields.h"
 #include "processes/process_detail_reader.h"
+#include "sampling/linux/proc_parsers.h"
 
 namespace quillmark::ProcessDetailReader {
 namespace {
@@ -21,27 +20,10 @@ const Constants& constants() {
     Constants c;
     if (const long hz = ::sysconf(_SC_CLK_TCK); hz > 0) c.ticksPerSecond = static_cast<std::uint64_t>(hz);
     if (const long page = ::sysconf(_SC_PAGESIZE); page > 0) c.pageSize = static_cast<std::uint64_t>(page);
-    if (const auto stat = readWholeFile("/proc/stat")) {
-      const std::string_view text = *stat;
-      if (auto at = text.find("\nbtime "); at != std::string_view::npos) {
-        at += 7;
-        std::int64_t seconds = 0;
-        if (std::from_chars(text.data() + at, text.data() + text.size(), seconds).ec == std::errc())
-          c.bootTime = seconds;
-      }
-    }
+    if (const auto stat = readWholeFile("/proc/stat")) c.bootTime = procfs::parseProcStat(*stat).bootTime;
     return c;
   }();
   return value;
-}
-
-std::optional<std::uint64_t> statmResident(std::string_view text) {
-  const auto space = text.find(' ');
-  if (space == std::string_view::npos) return std::nullopt;
-  std::uint64_t pages = 0;
-  const char* begin = text.data() + space + 1;
-  if (std::from_chars(begin, text.data() + text.size(), pages).ec != std::errc()) return std::nullopt;
-  return pages;
 }
 
 }  // namespace
@@ -51,7 +33,7 @@ std::optional<ProcessDetail> read(std::int32_t pid, std::string_view fallbackNam
   const std::string dir = "/proc/" + std::to_string(pid) + "/";
   const auto statText = readWholeFile(dir + "stat");
   if (!statText) return std::nullopt;
-  const auto stat = procfs::parseStatFields(*statText);
+  const auto stat = procfs::parsePidStat(*statText);
   if (!stat) return std::nullopt;
   const Constants& c = constants();
 
@@ -64,7 +46,7 @@ std::optional<ProcessDetail> read(std::int32_t pid, std::string_view fallbackNam
                     ? std::string(path.data(), static_cast<std::size_t>(length))
                     : std::string(kNoPath);
   if (const auto statm = readWholeFile(dir + "statm"))
-    detail.residentBytes = statmResident(*statm).value_or(0) * c.pageSize;
+    detail.residentBytes = procfs::parseStatmResident(*statm).value_or(0) * c.pageSize;
   detail.virtualBytes = stat->vsizeBytes;
   const std::uint64_t nsPerTick = 1'000'000'000 / c.ticksPerSecond;
   detail.cpuUserTime = stat->utimeTicks * nsPerTick;

@@ -7,7 +7,8 @@
 #include <cerrno>
 
 #include "base/file_util.h"
-#include "processes/proc_stat_fields.h"
+#include "processes/cgroup_parsers.h"
+#include "sampling/linux/proc_parsers.h"
 
 namespace quillmark {
 namespace {
@@ -16,11 +17,13 @@ std::string procFile(std::int32_t pid, const char* name) {
   return "/proc/" + std::to_string(pid) + "/" + name;
 }
 
-std::optional<procfs::StatFields> readStat(std::int32_t pid) {
+std::optional<procfs::PidStat> readStat(std::int32_t pid) {
   if (pid < 1) return std::nullopt;
   const auto text = readWholeFile(procFile(pid, "stat"));
   if (!text) return std::nullopt;
-  return procfs::parseStatFields(*text);
+  auto stat = procfs::parsePidStat(*text);
+  if (stat) stat->comm = {};  // it points into text, which ends here
+  return stat;
 }
 
 // A pidfd: signals reach the process it was opened for, or fail with ESRCH once that process has

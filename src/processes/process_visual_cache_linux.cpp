@@ -4,8 +4,8 @@
 #include <cstdlib>
 
 #include "base/file_util.h"
+#include "processes/cgroup_parsers.h"
 #include "processes/desktop_entries.h"
-#include "processes/proc_stat_fields.h"
 #include "processes/process_visual_cache.h"
 
 namespace quillmark {

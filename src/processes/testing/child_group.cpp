@@ -8,7 +8,7 @@
 #include <string>
 
 #include "base/file_util.h"
-#include "processes/proc_stat_fields.h"
+#include "sampling/linux/proc_parsers.h"
 
 namespace quillmark::testing {
 
@@ -71,7 +71,7 @@ int ChildGroup::reapLeader() {
 char processState(pid_t pid) {
   const auto text = readWholeFile("/proc/" + std::to_string(pid) + "/stat");
   if (!text) return '?';
-  const auto stat = procfs::parseStatFields(*text);
+  const auto stat = procfs::parsePidStat(*text);
   return stat ? stat->state : '?';
 }
 

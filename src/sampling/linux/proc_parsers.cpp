@@ -1,6 +1,7 @@
 #include "sampling/linux/proc_parsers.h"
 
 #include <array>
+#include <charconv>
 #include <cstring>
 
 namespace quillmark::procfs {
@@ -56,6 +57,19 @@ bool skipFields(std::string_view& text, int count) {
     if (!space) return false;
     text.remove_prefix(static_cast<const char*>(space) - text.data() + 1);
   }
+  return true;
+}
+
+// One decimal field of a stat line and the space after it; the last field wanted may instead end
+// the line. from_chars takes a sign only into a signed type, so a negative tick count is damage.
+template <class T>
+bool takeStatField(std::string_view& text, T& out, bool last = false) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), out);
+  if (error != std::errc()) return false;
+  text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+  if (text.empty()) return last;
+  if (text[0] != ' ' && !(last && text[0] == '\n')) return false;
+  text.remove_prefix(1);
   return true;
 }
 
@@ -250,25 +264,18 @@ std::optional<PidStat> parsePidStat(std::string_view text) {
   PidStat stat;
   stat.comm = text.substr(open + 1, close - open - 1);
   std::string_view rest = text.substr(close + 1);
-  if (rest.empty() || rest[0] != ' ') return std::nullopt;
-  rest.remove_prefix(1);
-  // rest starts at field 3 (state); utime is field 14.
-  if (!skipFields(rest, 11)) return std::nullopt;
-  auto utime = takeNumber(rest);
-  if (!utime || rest.empty() || rest[0] != ' ') return std::nullopt;
-  rest.remove_prefix(1);
-  auto stime = takeNumber(rest);
-  if (!stime) return std::nullopt;
-  if (rest.empty() || rest[0] != ' ') return std::nullopt;
-  rest.remove_prefix(1);
-  // stime is field 15; starttime is field 22.
-  if (!skipFields(rest, 6)) return std::nullopt;
-  auto start = takeNumber(rest);
-  // A file cut right after starttime is damaged even though we need nothing further.
-  if (!start || rest.empty() || rest[0] != ' ') return std::nullopt;
-  stat.utimeTicks = *utime;
-  stat.stimeTicks = *stime;
-  stat.startTicks = *start;
+  // Field 3, the state: one letter.
+  if (rest.size() < 3 || rest[0] != ' ' || rest[2] != ' ') return std::nullopt;
+  stat.state = rest[1];
+  rest.remove_prefix(3);
+  // From field 4: ppid pgrp session tty_nr tpgid flags minflt cminflt majflt cmajflt utime stime
+  // cutime cstime priority nice num_threads itrealvalue starttime vsize.
+  const bool ok = takeStatField(rest, stat.ppid) && takeStatField(rest, stat.pgrp) && skipFields(rest, 1) &&
+                  takeStatField(rest, stat.ttyNr) && takeStatField(rest, stat.tpgid) && skipFields(rest, 5) &&
+                  takeStatField(rest, stat.utimeTicks) && takeStatField(rest, stat.stimeTicks) &&
+                  skipFields(rest, 4) && takeStatField(rest, stat.threads) && skipFields(rest, 1) &&
+                  takeStatField(rest, stat.startTicks) && takeStatField(rest, stat.vsizeBytes, /*last=*/true);
+  if (!ok) return std::nullopt;
   return stat;
 }
 

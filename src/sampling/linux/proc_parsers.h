@@ -59,14 +59,23 @@ void parseNetDev(std::string_view text, std::vector<NetDevEntry>& entries);
 // A decimal sysfs attribute such as /sys/block/zramN/disksize.
 [[nodiscard]] std::optional<std::uint64_t> parseDecimalAttribute(std::string_view text);
 
-// What the process scan takes from /proc/<pid>/stat. `comm` points into the parsed text.
+// What the process scan and process control take from /proc/<pid>/stat (1-based field numbers of
+// proc(5)). `comm` points into the parsed text.
 struct PidStat {
-  std::string_view comm;
-  std::uint64_t utimeTicks = 0;  // field 14
-  std::uint64_t stimeTicks = 0;  // field 15
-  std::uint64_t startTicks = 0;  // field 22: clock ticks after boot; with the pid, one process
+  std::string_view comm;         // 2
+  char state = '?';              // 3
+  std::int32_t ppid = 0;         // 4
+  std::int32_t pgrp = 0;         // 5
+  std::int32_t ttyNr = 0;        // 7, 0 without a controlling terminal
+  std::int32_t tpgid = -1;       // 8, the terminal's foreground group
+  std::uint64_t utimeTicks = 0;  // 14
+  std::uint64_t stimeTicks = 0;  // 15
+  std::int64_t threads = 0;      // 20
+  std::uint64_t startTicks = 0;  // 22: clock ticks after boot; with the pid, one process
+  std::uint64_t vsizeBytes = 0;  // 23
 };
-// comm may hold spaces and parentheses, so it runs from the first '(' to the last ')'.
+// comm may hold spaces, parentheses and newlines, so it runs from the first '(' to the last ')'.
+// Absent unless every field up to vsize is there and well formed.
 [[nodiscard]] std::optional<PidStat> parsePidStat(std::string_view text);
 
 // The resident pages of /proc/<pid>/statm (its second field). Not stat's field 24: since the

@@ -83,24 +83,53 @@ TEST(SmallFileParsers, ReadFlagsSizesZramPoolsAndStatm) {
   EXPECT_FALSE(parseStatmResident("783\n"));
 }
 
-TEST(PidStatParser, TakesCommFromFirstOpenToLastCloseAndNeedsBothTimes) {
+TEST(PidStatParser, ReadsTheFieldsAfterTheLastCloseParenthesis) {
   // After comm: state ppid pgrp session tty_nr tpgid flags minflt cminflt majflt cmajflt utime stime
-  // cutime cstime priority nice num_threads itrealvalue starttime ...
-  const auto stat =
-      parsePidStat("5092 (a) b (c) d) S 1 5092 4202 0 -1 4194304 100 0 0 0 250 75 9 9 20 -5 1 0 123456 0\n");
+  // cutime cstime priority nice num_threads itrealvalue starttime vsize rss ...
+  const auto stat = parsePidStat(
+      "5092 (a) b (c) d) T 1 5090 5091 0 -1 4194560 100 0 0 0 7 3 9 8 20 0 4 0 123456789012 8192000 300 "
+      "18446744073709551615 1 1 0 0 0 0 0 0 0 0 0 0 17 1 0 0 0 0 0\n");
   ASSERT_TRUE(stat);
   EXPECT_EQ(stat->comm, "a) b (c) d");
-  EXPECT_EQ(stat->utimeTicks, 250u);
-  EXPECT_EQ(stat->stimeTicks, 75u);  // not cutime/cstime, the reaped children
-  EXPECT_EQ(stat->startTicks, 123456u);
-  EXPECT_EQ(parsePidStat("7 () S 1 1 1 0 -1 0 0 0 0 0 1 2 0 0 20 0 1 0 5 0\n")->comm, "");
-  EXPECT_FALSE(parsePidStat("7 (a) S 1 1 1 0 -1 0 0 0 0 0 1 2 0 0 20 0 1 0 5"));
+  EXPECT_EQ(stat->state, 'T');
+  EXPECT_EQ(std::make_pair(stat->ppid, stat->pgrp), std::make_pair(1, 5090));
+  EXPECT_EQ(std::make_pair(stat->ttyNr, stat->tpgid), std::make_pair(0, -1));
+  EXPECT_EQ(stat->utimeTicks, 7u);
+  EXPECT_EQ(stat->stimeTicks, 3u);  // not cutime/cstime, the reaped children
+  EXPECT_EQ(stat->threads, 4);
+  EXPECT_EQ(stat->startTicks, 123456789012u);  // beyond what a double of seconds keeps exactly in ticks
+  EXPECT_EQ(stat->vsizeBytes, 8192000u);
 
-  EXPECT_FALSE(parsePidStat("5092 bash S 1 2 3"));
-  EXPECT_FALSE(parsePidStat("5092 ) bash ( S 1 2 3"));
-  EXPECT_FALSE(parsePidStat("5092 (bash) S 1 5092 4202 0 -1 4194304 100 0 0 0 250 75"));
-  EXPECT_FALSE(parsePidStat("5092 (bash) S 1 5092 4202 0 -1 4194304 100 0 0 0 -250 75 9 9\n"));
-  EXPECT_FALSE(parsePidStat("5092 (bash)S 1 5092 4202 0 -1 4194304 100 0 0 0 250 75 9 9\n"));
+  // A name may hold a newline; a file may end right after vsize.
+  const auto terminal = parsePidStat("7 (two\nlines) (x) R 1 7 7 34817 7 0 0 0 0 0 1 2 0 0 20 0 1 0 5 0");
+  ASSERT_TRUE(terminal);
+  EXPECT_EQ(terminal->comm, "two\nlines) (x");
+  EXPECT_EQ(terminal->state, 'R');
+  EXPECT_EQ(std::make_pair(terminal->ttyNr, terminal->tpgid), std::make_pair(34817, 7));
+  EXPECT_EQ(std::make_pair(terminal->startTicks, terminal->vsizeBytes),
+            std::make_pair(std::uint64_t{5}, std::uint64_t{0}));
+  EXPECT_EQ(parsePidStat("7 () S 1 1 1 0 -1 0 0 0 0 0 1 2 0 0 20 0 1 0 5 0\n")->comm, "");
+}
+
+TEST(PidStatParser, RejectsDamagedLines) {
+  // Each a variant of this line, which parses.
+  ASSERT_TRUE(parsePidStat("7 (a) S 1 1 1 0 -1 0 0 0 0 0 1 2 0 0 20 0 1 0 5 0"));
+  for (const std::string_view damaged : {
+           "",
+           "7 a S 1 1 1 0 -1 0 0 0 0 0 1 2 0 0 20 0 1 0 5 0",             // no comm
+           "7 )a( S 1 1 1 0 -1 0 0 0 0 0 1 2 0 0 20 0 1 0 5 0",           // parentheses reversed
+           "7 (a) S 1 1 1 0 -1 0 0 0 0 0 1 2",                            // cut before starttime
+           "7 (a) S 1 1 1 0 -1 0 0 0 0 0 1 2 0 0 20 0 1 0 5",             // cut after starttime
+           "7 (a) S 1 1 1 0 -1 0 0 0 0 0 1 2 0 0 20 0 1 0 5 ",            // vsize empty
+           "7 (a)S 1 1 1 0 -1 0 0 0 0 0 1 2 0 0 20 0 1 0 5 0",            // no space after comm
+           "7 (a) SS 1 1 1 0 -1 0 0 0 0 0 1 2 0 0 20 0 1 0 5 0",          // state of two letters
+           "7 (a) S 1 1 1 0 -1 0 0 0 0 0 -1 2 0 0 20 0 1 0 5 0",          // negative ticks
+           "7 (a) S 1 1 1 0 -1 0 0 0 0 0 1 2 0 0 20 0 1 0 -5 0",          // negative start
+           "7 (a) S 1x 1 1 0 -1 0 0 0 0 0 1 2 0 0 20 0 1 0 5 0",          // junk in a number
+           "7 (a) S 4294967296 1 1 0 -1 0 0 0 0 0 1 2 0 0 20 0 1 0 5 0",  // ppid past 32 bits
+       }) {
+    EXPECT_FALSE(parsePidStat(damaged)) << damaged;
+  }
 }
 
 }  // namespace

@@ -1,16 +1,10 @@
-#include "processes/proc_stat_fields.h"
+#include "processes/cgroup_parsers.h"
 
 #include <charconv>
 #include <vector>
 
 namespace quillmark::procfs {
 namespace {
-
-template <class T>
-bool parseNumber(std::string_view text, T& out) {
-  auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), out);
-  return error == std::errc() && end == text.data() + text.size();
-}
 
 // Splits on runs of spaces.
 std::vector<std::string_view> fields(std::string_view text) {
@@ -28,25 +22,6 @@ std::vector<std::string_view> fields(std::string_view text) {
 }
 
 }  // namespace
-
-std::optional<StatFields> parseStatFields(std::string_view text) {
-  const auto open = text.find('(');
-  const auto close = text.rfind(')');
-  if (open == std::string_view::npos || close == std::string_view::npos || close < open) return std::nullopt;
-  // rest[0] is field 3.
-  const auto rest = fields(text.substr(close + 1));
-  auto at = [&rest](int field) { return rest[static_cast<std::size_t>(field - 3)]; };
-  if (rest.size() < 21 || at(3).size() != 1) return std::nullopt;
-  StatFields out;
-  out.state = at(3)[0];
-  const bool ok = parseNumber(at(4), out.ppid) && parseNumber(at(5), out.pgrp) &&
-                  parseNumber(at(7), out.ttyNr) && parseNumber(at(8), out.tpgid) &&
-                  parseNumber(at(14), out.utimeTicks) && parseNumber(at(15), out.stimeTicks) &&
-                  parseNumber(at(20), out.threads) && parseNumber(at(22), out.startTicks) &&
-                  parseNumber(at(23), out.vsizeBytes);
-  if (!ok) return std::nullopt;
-  return out;
-}
 
 std::optional<std::string> parseUnifiedCgroup(std::string_view text) {
   std::size_t at = 0;

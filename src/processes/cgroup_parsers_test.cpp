@@ -1,31 +1,11 @@
-#include "processes/proc_stat_fields.h"
+#include "processes/cgroup_parsers.h"
 
 #include <gtest/gtest.h>
 
 namespace quillmark::procfs {
 namespace {
 
-TEST(ProcStatFieldsTest, ParsesStatWithAHostileName) {
-  const auto stat = parseStatFields(
-      "5092 (a b) c) T 1 5092 5092 0 -1 4194560 100 0 0 0 7 3 0 0 20 0 4 0 123456789012 8192000 300 "
-      "18446744073709551615 1 1 0 0 0 0 0 0 0 0 0 0 17 1 0 0 0 0 0\n");
-  ASSERT_TRUE(stat);
-  EXPECT_EQ(stat->state, 'T');
-  EXPECT_EQ(stat->ppid, 1);
-  EXPECT_EQ(stat->pgrp, 5092);
-  EXPECT_EQ(std::make_pair(stat->ttyNr, stat->tpgid), std::make_pair(0, -1));
-  EXPECT_EQ(stat->utimeTicks, 7u);
-  EXPECT_EQ(stat->stimeTicks, 3u);
-  EXPECT_EQ(stat->threads, 4);
-  EXPECT_EQ(stat->startTicks, 123456789012u);  // beyond what a double of seconds keeps exactly in ticks
-  EXPECT_EQ(stat->vsizeBytes, 8192000u);
-  EXPECT_FALSE(parseStatFields("5092 (x) S 1 2 3"));
-  EXPECT_FALSE(parseStatFields("5092 x S 1 5092 5092 0 -1 0 0 0 0 0 7 3 0 0 20 0 4 0 12 8192000 300"));
-  EXPECT_FALSE(parseStatFields("5092 (x) S 1 5092 5092 0 -1 0 0 0 0 0 7 3 0 0 20 0 4 0 -12 8192000 300"));
-  EXPECT_FALSE(parseStatFields(""));
-}
-
-TEST(ProcStatFieldsTest, ReadsCgroupFacts) {
+TEST(CgroupParsers, ReadCgroupFacts) {
   EXPECT_EQ(parseUnifiedCgroup("12:pids:/x\n0::/user.slice/app.slice/a.scope\n"),
             "/user.slice/app.slice/a.scope");
   EXPECT_FALSE(parseUnifiedCgroup("1:name=systemd:/\n"));
