@@ -5,8 +5,7 @@
 
 #include "base/file_util.h"
 #include "base/paths.h"
-#include "base/virtual_time.h"
-#include "sampling/testing/fake_readers.h"
+#include "sampling/testing/monitor_rig.h"
 #include "settings/testing/fakes.h"
 
 namespace quillmark {
@@ -72,7 +71,7 @@ class TipHost final : public FirstRunTipHost {
   int dismissals = 0;
 };
 
-class MenuBarControllerTest : public ::testing::Test {
+class MenuBarControllerTest : public ::testing::Test, protected testing::MonitorRig {
  protected:
   MenuBarControllerTest() {
     monitor->cpu.set(CPUSample{12.4, {}});
@@ -86,21 +85,11 @@ class MenuBarControllerTest : public ::testing::Test {
   }
   static std::string log() { return readWholeFile(logFilePath()).value_or(""); }
 
-  VirtualClock clock;
-  VirtualMainLoop loop{clock};
-  ManualSerialQueue queue;
-  testing::FakeSystemCounters counters;
-  testing::FakeProcessReader processes;
-  testing::FakeHeavyReaders heavy;
-  testing::RecordingConsumers consumers;
-  std::shared_ptr<Monitor> monitor =
-      Monitor::create({loop, queue, clock, counters, processes, heavy, consumers});
   MemoryDefaultsStore store;
   testing::FakePermission permission;
   testing::FakeLoginItems items;
   LaunchAtLogin loginItem{items};
-  std::vector<double> intervals;
-  SettingsManager settings{store, [this](double v) { intervals.push_back(v); }, permission, loginItem};
+  SettingsManager settings{store, [](double) {}, permission, loginItem};
   L10n l10n{store, QM_RESOURCES_DIR, {"en"}};
   SkinManager skins{store};
   PanelAnchor anchor;

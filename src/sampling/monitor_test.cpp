@@ -4,36 +4,22 @@
 
 #include "base/file_util.h"
 #include "base/paths.h"
-#include "base/virtual_time.h"
-#include "sampling/testing/fake_readers.h"
+#include "sampling/testing/monitor_rig.h"
 
 namespace quillmark {
 namespace {
-
-using testing::FakeHeavyReaders;
-using testing::FakeProcessReader;
-using testing::FakeSystemCounters;
-using testing::RecordingConsumers;
 
 CPUReading cpuReading(std::uint64_t busy, std::uint64_t idle) {
   return CPUReading{CPUTicks{busy, 0, idle, 0}, {CoreTicks{0, CPUTicks{busy, 0, idle, 0}}}};
 }
 
-// A monitor on virtual time whose queue jobs wait until the test runs them.
-class MonitorTest : public ::testing::Test {
+class MonitorTest : public ::testing::Test, protected testing::MonitorRig {
  protected:
   MonitorTest() {
     counters.cpu = {cpuReading(100, 900), cpuReading(150, 950), cpuReading(250, 1050)};
     counters.memory = MemorySample{1000, 300, 100, 50, 200, 350};
     counters.net = {NetCounters{{"en0", 1000, 500}}, NetCounters{{"en0", 5000, 900}}};
     processes.table = {{10, "launchd", 1'000'000'000, 4096}, {42, "Safari", 2'000'000'000, 8192}};
-    monitor = Monitor::create({loop, queue, clock, counters, processes, heavy, consumers});
-  }
-
-  // Runs the measurement in flight and its hand-off to the main thread.
-  void finishMeasurement() {
-    queue.runAll();
-    loop.runUntilIdle();
   }
 
   Monitor::Snapshot snapshotWith(double cpu) {
@@ -42,15 +28,6 @@ class MonitorTest : public ::testing::Test {
     snap.memory = MemorySample{100, 50, 0, 0, 0, 50};
     return snap;
   }
-
-  VirtualClock clock;
-  VirtualMainLoop loop{clock};
-  ManualSerialQueue queue;
-  FakeSystemCounters counters;
-  FakeProcessReader processes;
-  FakeHeavyReaders heavy;
-  RecordingConsumers consumers;
-  std::shared_ptr<Monitor> monitor;
 };
 
 TEST_F(MonitorTest, StartMeasuresAtOnceAndFirstTickReportsNoLoadOrRates) {

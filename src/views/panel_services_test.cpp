@@ -6,41 +6,17 @@
 
 #include <csignal>
 
-#include "base/virtual_time.h"
-#include "processes/testing/fake_process_os.h"
-#include "sampling/testing/fake_readers.h"
-#include "settings/testing/fakes.h"
 #include "views/canvas_cairo.h"
 #include "views/controls.h"
 #include "views/panel_root.h"
 #include "views/testing/panel_fixture.h"
+#include "views/testing/services_rig.h"
 
 namespace quillmark {
 namespace {
 
-struct Services {
-  VirtualClock clock;
-  VirtualMainLoop loop{clock};
-  ManualSerialQueue queue;
-  testing::FakeSystemCounters counters;
-  testing::FakeProcessReader processes;
-  testing::FakeHeavyReaders heavy;
-  testing::RecordingConsumers consumers;
-  std::shared_ptr<Monitor> monitor =
-      Monitor::create({loop, queue, clock, counters, processes, heavy, consumers});
-  MemoryDefaultsStore store;
-  testing::FakePermission permission;
-  testing::FakeLoginItems items;
-  LaunchAtLogin loginItem{items};
-  SettingsManager settings{store, [](double) {}, permission, loginItem};
-  L10n l10n{store, QM_RESOURCES_DIR, {"en"}};
-  testing::FakeStartTimes starts;
-  testing::FakeSignals signals;
-  testing::FakeFreezer freezer;
-  PauseManager pauses{{store, loop, clock, ProcessOS{starts, signals, freezer}, nullptr}};
-  ProcessTerminator terminator{loop, starts, signals};
-  PinStore pins{store, clock};
-  PanelServices panel{{loop, *monitor, settings, l10n, pauses, terminator, pins}};
+struct Services : testing::ServicesRig {
+  PanelServices panel{services()};
 };
 
 TEST(PanelServicesTest, OneModelPerBurstWithAbsentValuesKeptAbsent) {
@@ -116,8 +92,11 @@ TEST(PanelServicesTest, SkinAndHistoryWindowGoThroughTheirServicesWhenGiven) {
   SkinManager skins(s.store);
   HistoryStore history(s.clock);
   HistoryWindowState window;
-  PanelServices panel{{s.loop, *s.monitor, s.settings, s.l10n, s.pauses, s.terminator, s.pins, &skins,
-                       nullptr, nullptr, &history, &window}};
+  PanelServices::Services with = s.services();
+  with.skins = &skins;
+  with.history = &history;
+  with.historyWindow = &window;
+  PanelServices panel{with};
   panel.setSkin(PanelSkin::vitals);
   panel.setHistoryWindow(PanelModel::HistoryWindow::m30);
   EXPECT_EQ(s.store.getString("panelSkin"), "vitals");  // stored by the skin manager
@@ -130,7 +109,9 @@ TEST(PanelServicesTest, SkinAndHistoryWindowGoThroughTheirServicesWhenGiven) {
 TEST(PanelServicesTest, SkinChosenOnTheSettingsFaceIsStoredAndRedrawsThePanel) {
   Services s;
   SkinManager skins(s.store);
-  PanelServices services{{s.loop, *s.monitor, s.settings, s.l10n, s.pauses, s.terminator, s.pins, &skins}};
+  PanelServices::Services with = s.services();
+  with.skins = &skins;
+  PanelServices services{with};
   auto canvas = CairoCanvas::offscreen({400, 668}, 1);
   PanelAnchor anchor;
   PanelFlipState flip(s.clock);

@@ -4,8 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "base/virtual_time.h"
-#include "sampling/testing/fake_readers.h"
+#include "sampling/testing/monitor_rig.h"
 #include "settings/l10n.h"
 
 namespace quillmark {
@@ -40,13 +39,12 @@ TEST(FrontEndOptionsTest, AcceptsTheDocumentedOptionsAndRejectsTheRest) {
 
 // The front end driven by a monitor on virtual time; the machine goes from idle counters to a
 // 75 % load (core 1 fully busy, core 0 half) between the first two reads.
-class FrontEndTest : public ::testing::Test {
+class FrontEndTest : public ::testing::Test, protected testing::MonitorRig {
  protected:
   FrontEndTest() {
     counters.memory = MemorySample{1000, 500, 100, 30, 0, 0};
     script();
     processes.table = {{7, "name \"with\" quotes\xff", 1, 4096}};
-    monitor = Monitor::create({loop, queue, clock, counters, processes, heavy, consumers});
   }
   // Busy and idle ticks of the machine and of its two cores.
   static CPUReading reading(std::uint64_t busy, std::uint64_t idle, std::uint64_t core0Busy,
@@ -71,23 +69,11 @@ class FrontEndTest : public ::testing::Test {
         },
         [this] { ++finished; });
   }
-  void settle() {
-    queue.runAll();
-    loop.runUntilIdle();
-  }
   void advance(double seconds) {
     loop.advance(seconds);
-    settle();
+    finishMeasurement();
   }
 
-  VirtualClock clock;
-  VirtualMainLoop loop{clock};
-  ManualSerialQueue queue;
-  testing::FakeSystemCounters counters;
-  testing::FakeProcessReader processes;
-  testing::FakeHeavyReaders heavy;
-  testing::RecordingConsumers consumers;
-  std::shared_ptr<Monitor> monitor;
   MemoryDefaultsStore store;
   L10n l10n{store, QM_RESOURCES_DIR, {"en"}};
   std::vector<std::pair<std::string, bool>> lines;
@@ -107,7 +93,7 @@ TEST_F(FrontEndTest, TheFirstLineOfEveryFormatReportsTheLoadOfAMeasuredInterval)
     monitor = Monitor::create({loop, queue, clock, counters, processes, heavy, consumers});
     FrontEnd frontEnd = make(format);
     frontEnd.start();
-    settle();
+    finishMeasurement();
     EXPECT_TRUE(lines.empty()) << "the priming tick printed " << lines.front().first;
     advance(FrontEnd::kPrimingSeconds);
     ASSERT_FALSE(lines.empty());
@@ -155,7 +141,7 @@ TEST_F(FrontEndTest, LinesFollowAtTheStoredIntervalAndStopAtTheCount) {
   FrontEnd frontEnd = make(OutputFormat::text, 3);
   frontEnd.start();
   EXPECT_EQ(monitor->refreshInterval(), 5.0);
-  settle();
+  finishMeasurement();
   advance(FrontEnd::kPrimingSeconds);
   showNet = true;  // honoured from the next line on
   advance(4.0);

@@ -6,44 +6,20 @@
 
 #include <vector>
 
-#include "base/virtual_time.h"
-#include "processes/testing/fake_process_os.h"
-#include "sampling/testing/fake_readers.h"
-#include "settings/testing/fakes.h"
 #include "views/canvas_cairo.h"
+#include "views/testing/services_rig.h"
 #include "views/view.h"
 
 namespace quillmark {
 namespace {
 
-struct Hosted {
-  VirtualClock clock;
-  VirtualMainLoop loop{clock};
-  ManualSerialQueue queue;
-  testing::FakeSystemCounters counters;
-  testing::FakeProcessReader processes;
-  testing::FakeHeavyReaders heavy;
-  testing::RecordingConsumers consumers;
-  std::shared_ptr<Monitor> monitor =
-      Monitor::create({loop, queue, clock, counters, processes, heavy, consumers});
-  MemoryDefaultsStore store;
-  testing::FakePermission permission;
-  testing::FakeLoginItems items;
-  LaunchAtLogin loginItem{items};
-  SettingsManager settings{store, [](double) {}, permission, loginItem};
-  L10n l10n{store, QM_RESOURCES_DIR, {"en"}};
-  testing::FakeStartTimes starts;
-  testing::FakeSignals signals;
-  testing::FakeFreezer freezer;
-  PauseManager pauses{{store, loop, clock, ProcessOS{starts, signals, freezer}, nullptr}};
-  ProcessTerminator terminator{loop, starts, signals};
-  PinStore pins{store, clock};
+struct Hosted : testing::ServicesRig {
   std::unique_ptr<CairoCanvas> canvas = CairoCanvas::offscreen({400, 668}, 1);
   PanelAnchor anchor;
   PanelFlipState flip{clock};
   std::vector<bool> holds;
   std::unique_ptr<HostedPanel> panel = std::make_unique<HostedPanel>(
-      PanelServices::Services{loop, *monitor, settings, l10n, pauses, terminator, pins}, *canvas,
+      services(), *canvas,
       HostedPanel::Shell{{anchor, flip, clock}, [this](bool hold) { holds.push_back(hold); }});
 
   static PointerEvent at(PointerEvent::Kind kind, Point p) {
