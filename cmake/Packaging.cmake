@@ -14,13 +14,19 @@ add_custom_command(OUTPUT ${QM_DEB_CHANGELOG}
                    COMMAND gzip -9n -c ${PROJECT_SOURCE_DIR}/packaging/linux/deb/changelog > ${QM_DEB_CHANGELOG}
                    DEPENDS ${PROJECT_SOURCE_DIR}/packaging/linux/deb/changelog)
 add_custom_target(quillmark_changelog ALL DEPENDS ${QM_DEB_CHANGELOG})
+set(QM_MAN_PAGE ${CMAKE_BINARY_DIR}/quillmark.1.gz)
+add_custom_command(OUTPUT ${QM_MAN_PAGE}
+                   COMMAND gzip -9n -c ${PROJECT_SOURCE_DIR}/packaging/linux/quillmark.1 > ${QM_MAN_PAGE}
+                   DEPENDS ${PROJECT_SOURCE_DIR}/packaging/linux/quillmark.1)
+add_custom_target(quillmark_man_page ALL DEPENDS ${QM_MAN_PAGE})
+install(FILES ${QM_MAN_PAGE} DESTINATION share/man/man1)
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/linux/deb/copyright ${QM_DEB_CHANGELOG} DESTINATION share/doc/quillmark)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME quillmark)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_VENDOR "The Quillmark developers")
-set(CPACK_PACKAGE_CONTACT "The Quillmark developers <quillmark@localhost>")
+set(CPACK_PACKAGE_CONTACT "The Quillmark developers <quillmark@quillmark.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "system monitor in the panel")
 # CPack puts the summary on the first line and indents this below it.
 set(CPACK_PACKAGE_DESCRIPTION

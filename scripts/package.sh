@@ -20,7 +20,8 @@ for path in usr/bin/quillmark usr/libexec/quillmark/quillmark-guardian usr/libex
             usr/share/quillmark/resources/en.lproj/Localizable.strings usr/share/applications/quillmark.desktop \
             usr/share/metainfo/com.quillmark.Quillmark.metainfo.xml usr/share/icons/hicolor/scalable/apps/quillmark.svg \
             usr/share/icons/hicolor/48x48/apps/quillmark.png usr/lib/systemd/system/quillmark-fand.service \
-            usr/lib/sysusers.d/quillmark.conf usr/lib/systemd/system-sleep/quillmark-fand; do
+            usr/lib/sysusers.d/quillmark.conf usr/lib/systemd/system-sleep/quillmark-fand \
+            usr/share/man/man1/quillmark.1.gz; do
   [ -e "$root/$path" ] || { echo "package.sh: $path is missing from the package" >&2; exit 1; }
 done
 grep -q '^ExecStart=/usr/libexec/quillmark/quillmark-fand$' "$root/usr/lib/systemd/system/quillmark-fand.service" ||
@@ -32,6 +33,7 @@ fi
 # The unpacked program finds its string tables next to itself and answers.
 "$root/usr/bin/quillmark" --help >/dev/null
 if command -v lintian >/dev/null; then
-  lintian --no-tag-display-limit "$deb" || true
+  # Errors fail the package; warnings are shown.
+  lintian --no-tag-display-limit --fail-on error "$deb"
 fi
 echo "$deb"
