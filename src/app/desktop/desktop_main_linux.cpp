@@ -92,14 +92,7 @@ std::optional<int> desktopMain(bool evenWithoutTray) {
     std::fprintf(stderr, "quillmark: %s\n", error.c_str());
     return 1;
   }
-  if (stopSignals.fd() >= 0) {
-    loop.watchReadable(stopSignals.fd(), [&loop, &stopSignals] {
-      if (const int signal = stopSignals.take()) {
-        Log::debug(std::string("Stop requested by SIG") + sigabbrev_np(signal));
-        loop.quit();
-      }
-    });
-  }
+  stopSignals.quitOnSignal(loop);
 
   AppServices services;
   auto shellOwner = std::make_unique<DesktopShell>(services, loop);

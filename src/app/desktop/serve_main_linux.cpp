@@ -29,14 +29,7 @@ int serveMain() {
     std::fprintf(stderr, "quillmark: %s\n", error.c_str());
     return 1;
   }
-  if (stopSignals.fd() >= 0) {
-    loop.watchReadable(stopSignals.fd(), [&loop, &stopSignals] {
-      if (const int signal = stopSignals.take()) {
-        Log::debug(std::string("Stop requested by SIG") + sigabbrev_np(signal));
-        loop.quit();
-      }
-    });
-  }
+  stopSignals.quitOnSignal(loop);
 
   AppServices services;
   // The front end's JSON mode measures everything and primes the rates; its lines are kept as the

@@ -74,14 +74,7 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
 
   PollMainLoop& loop = PollMainLoop::shared();
-  if (stopSignals.fd() >= 0) {
-    loop.watchReadable(stopSignals.fd(), [&loop, &stopSignals] {
-      if (const int signal = stopSignals.take()) {
-        Log::debug(std::string("Stop requested by SIG") + sigabbrev_np(signal));
-        loop.quit();
-      }
-    });
-  }
+  stopSignals.quitOnSignal(loop);
 
   NonBlockingOutput output(STDOUT_FILENO);
   LineWriter writer(output.fd());

@@ -5,6 +5,8 @@
 
 namespace quillmark {
 
+class LinuxMainLoop;
+
 // SIGINT, SIGTERM and SIGHUP as a clean stop of a terminal program, with a promise: once a stop
 // has begun (one of them arrived, or beginStop() was called) the process is gone within
 // kGraceSeconds, cleanly when the main thread gets there and otherwise through a forced exit, so
@@ -29,6 +31,8 @@ class StopSignals {
   int take();
   // Arms the guard for a stop that no signal asked for (the count reached, the reader gone).
   void beginStop();
+  // Quits loop when a stop signal arrives, logging which. Does nothing without a descriptor.
+  void quitOnSignal(LinuxMainLoop& loop);
 
  private:
   void guard();

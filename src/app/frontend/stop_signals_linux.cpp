@@ -6,9 +6,11 @@
 #include <cmath>
 #include <csignal>
 #include <cstdint>
+#include <cstring>
 #include <string>
 
 #include "app/frontend/stop_signals.h"
+#include "base/linux_main_loop.h"
 #include "base/log.h"
 
 namespace quillmark {
@@ -86,6 +88,16 @@ void StopSignals::guard() {
              " ms)");
   // Killed by the signal, as far as the parent can tell; a stop without one is a failure.
   _exit(signal != 0 ? 128 + signal : 1);
+}
+
+void StopSignals::quitOnSignal(LinuxMainLoop& loop) {
+  if (signalFd_ < 0) return;
+  loop.watchReadable(signalFd_, [this, &loop] {
+    if (const int signal = take()) {
+      Log::debug(std::string("Stop requested by SIG") + sigabbrev_np(signal));
+      loop.quit();
+    }
+  });
 }
 
 }  // namespace quillmark
