@@ -83,15 +83,19 @@ int GlibMainLoop::dispatchPosted(void* data) {
   return G_SOURCE_REMOVE;
 }
 
-void GlibMainLoop::postAfter(double delaySeconds, Task task) {
-  auto* timer =
-      new Timer{this, 0, g_get_monotonic_time() + toMicroseconds(delaySeconds), 0, std::move(task), nullptr};
+GSource* GlibMainLoop::timerSource(Timer* timer) {
   GSource* source = g_source_new(&kReadyFuncs, sizeof(GSource));
   timer->source = source;
   g_source_set_priority(source, G_PRIORITY_DEFAULT);
   g_source_set_ready_time(source, timer->due);
   g_source_set_callback(source, &GlibMainLoop::dispatchTimer, timer,
                         [](gpointer t) { delete static_cast<Timer*>(t); });
+  return source;
+}
+
+void GlibMainLoop::postAfter(double delaySeconds, Task task) {
+  GSource* source = timerSource(
+      new Timer{this, 0, g_get_monotonic_time() + toMicroseconds(delaySeconds), 0, std::move(task), nullptr});
   std::lock_guard lock(mutex_);
   oneShots_.insert(source);
   g_source_attach(source, context_);
@@ -101,13 +105,8 @@ void GlibMainLoop::postAfter(double delaySeconds, Task task) {
 MainLoop::TimerId GlibMainLoop::addRepeatingTimer(double periodSeconds, Task task) {
   const TimerId id = nextTimer_++;
   const gint64 period = std::max<gint64>(toMicroseconds(periodSeconds), 1000);
-  auto* timer = new Timer{this, id, g_get_monotonic_time() + period, period, std::move(task), nullptr};
-  GSource* source = g_source_new(&kReadyFuncs, sizeof(GSource));
-  timer->source = source;
-  g_source_set_priority(source, G_PRIORITY_DEFAULT);
-  g_source_set_ready_time(source, timer->due);
-  g_source_set_callback(source, &GlibMainLoop::dispatchTimer, timer,
-                        [](gpointer t) { delete static_cast<Timer*>(t); });
+  GSource* source =
+      timerSource(new Timer{this, id, g_get_monotonic_time() + period, period, std::move(task), nullptr});
   g_source_attach(source, context_);
   timers_.emplace(id, source);  // keeps its reference until cancelled
   return id;

@@ -45,6 +45,8 @@ class GlibMainLoop final : public LinuxMainLoop {
   struct Timer;
   static int dispatchPosted(void* self);
   static int dispatchTimer(void* timer);
+  // A ready-time source that runs the timer (and owns it), not yet attached.
+  static GSource* timerSource(Timer* timer);
   void attachWatch(int fd, bool writable, Task task);
 
   GMainContext* context_;
