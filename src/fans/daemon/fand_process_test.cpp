@@ -146,6 +146,23 @@ TEST_F(FandProcessTest, AKilledClientsFloorIsHandedBackWithinTenSeconds) {
   EXPECT_TRUE(eventually([&] { return handedBack(); }, 10000ms));
 }
 
+// The system-sleep hook sends SIGUSR1 before a suspend: the fans go back to the firmware at once
+// even though the client still holds its floor, so they cannot wake up stuck at it; the daemon
+// stays up for the next floor.
+TEST_F(FandProcessTest, SleepHandsBackAHeldFloorAndTheDaemonServesOn) {
+  startDaemon();
+  const pid_t client = floorHoldingClient();
+  ASSERT_EQ(enable(), "1\n");
+  ::kill(daemon, SIGUSR1);
+  EXPECT_TRUE(eventually([&] { return handedBack(); }, 2000ms));
+  const int fd = connectTo(socket);
+  EXPECT_EQ(ask(fd, "{\"op\":\"setFanFloor\",\"id\":4,\"rpm\":3000}\n"), "{\"id\":4,\"ok\":true}");
+  EXPECT_EQ(enable(), "1\n");
+  ::close(fd);
+  ::kill(client, SIGKILL);
+  ::waitpid(client, nullptr, 0);
+}
+
 TEST_F(FandProcessTest, AClientOfAnotherUserIsRefused) {
   if (::geteuid() != 0) GTEST_SKIP() << "needs root to run a client as another user";
   const passwd* nobody = ::getpwnam("nobody");
