@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Run under dbus-run-session: a private session bus. `quillmark --serve` on it answers every ctl
 # verb, holds the name against a second instance, stops a group paused through ctl (state T in
-# /proc) until resume-all, and resumes a paused group when SIGTERM ends it.
+# /proc) until resume-all, resumes a paused group when SIGTERM ends it, and when SIGKILL does,
+# its guardian does.
 set -euo pipefail
 bin=$1
 home=$(mktemp -d)
@@ -105,4 +106,20 @@ wait "$server" || fail "--serve exited $? after SIGTERM"
 server=
 [ "$(state "$b")" != T ] || fail "group $b still stopped after SIGTERM"
 expect_status 3 processes  # the name went with it
+
+# SIGKILL with a group paused: nothing of Quillmark's own runs, so its guardian thaws the group
+# within two seconds and empties the stored list.
+start_server
+sleeper
+c=$child
+expect_status 0 pause "$c"
+[ "$(state "$c")" = T ] || fail "group $c not stopped"
+kill -KILL "$server"
+wait "$server" 2>/dev/null || true
+server=
+for _ in $(seq 40); do [ "$(state "$c")" != T ] && break; sleep 0.05; done
+[ "$(state "$c")" != T ] || fail "group $c still stopped two seconds after quillmark was killed"
+for _ in $(seq 40); do grep -q '"pausedGroups": *"\[\]"' "$XDG_CONFIG_HOME/quillmark/settings.json" && break; sleep 0.05; done
+grep -q '"pausedGroups": *"\[\]"' "$XDG_CONFIG_HOME/quillmark/settings.json" ||
+  fail "the stored list still names the group: $(grep -o '"pausedGroups"[^]]*]' "$XDG_CONFIG_HOME/quillmark/settings.json")"
 echo "scripting: all checks passed"
