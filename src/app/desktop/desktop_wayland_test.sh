@@ -4,13 +4,14 @@
 # choose native Wayland by itself. The first-run card and the panel appear as layer surfaces where
 # the X11 path puts them (top right of the output) and nowhere else; the card takes a click on its
 # button; keys reach the panel (Escape closes it) and a click elsewhere takes its focus away and
-# closes it; ctl works throughout and SIGTERM ends the program with status 0. Screenshots are kept
-# in OUTDIR. Skipped (77) without sway, grim, wtype or python3, or when sway cannot start here.
+# closes it; the tray menu a host asks for hangs from the top-right corner; ctl works throughout
+# and SIGTERM ends the program with status 0. Screenshots are kept in OUTDIR. Skipped (77) without
+# sway, grim, wtype or python3, or when sway cannot start here.
 set -euo pipefail
 bin=$1
 outdir=$2
 here=$(cd "$(dirname "$0")" && pwd)
-for tool in sway swaymsg grim wtype python3; do
+for tool in sway swaymsg grim wtype dbus-send python3; do
   command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
 done
 mkdir -p "$outdir"
@@ -78,15 +79,15 @@ stop_app() {
 measure() {  # measure NAME [X Y W H]: screenshot to OUTDIR/NAME.png; sets colours, lit, stray
   read -r colours lit stray < <(grim -t ppm - | python3 "$here/desktop_wayland_shot.py" "$outdir/$1.png" ${2:-})
 }
-drawn_at() {  # drawn_at NAME "X Y W H": waits until a card fills the box and nothing shows elsewhere
+drawn_at() {  # drawn_at NAME "X Y W H" [FILLED]: waits until something fills at least FILLED
+  # (0.8: a card) of the box with many colours, then checks that nothing shows elsewhere
+  local enough="import sys; sys.exit(0 if int(sys.argv[1]) > 20 and float(sys.argv[2]) > float(sys.argv[3]) else 1)"
   for _ in $(seq 50); do
     measure "$1" "$2"
-    python3 -c "import sys; sys.exit(0 if int(sys.argv[1]) > 50 and float(sys.argv[2]) > 0.8 else 1)" \
-      "$colours" "$lit" && break
+    python3 -c "$enough" "$colours" "$lit" "${3:-0.8}" && break
     sleep 0.1
   done
-  python3 -c "import sys; sys.exit(0 if int(sys.argv[1]) > 50 and float(sys.argv[2]) > 0.8 else 1)" \
-    "$colours" "$lit" || fail "$1.png: no card at $2 ($colours colours, $lit of it drawn)"
+  python3 -c "$enough" "$colours" "$lit" "${3:-0.8}" || fail "$1.png: nothing at $2 ($colours colours, $lit of it drawn)"
   [ "$stray" = 0 ] || fail "$1.png: $stray pixels drawn outside $2"
 }
 screen_clears() {  # screen_clears NAME WHAT: waits until nothing is drawn on the output
@@ -135,6 +136,17 @@ screen_clears wayland-panel-click-outside "a click outside did not close the pan
 kill "$typer"
 wait "$typer" 2>/dev/null || true
 typer=
+
+# 5. A tray host that asks the item for its menu (ContextMenu) gets a GTK menu hanging from the
+# top-right corner, which a click elsewhere closes.
+item=$(dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \
+  org.freedesktop.DBus.ListNames | grep -o 'org\.kde\.StatusNotifierItem-[0-9-]*' | head -n1)
+[ -n "$item" ] || fail "no StatusNotifierItem on the bus"
+dbus-send --session --print-reply --dest="$item" /StatusNotifierItem \
+  org.kde.StatusNotifierItem.ContextMenu int32:0 int32:0 >/dev/null || fail "ContextMenu failed"
+drawn_at wayland-menu "640 0 640 400" 0.05
+click 200 500
+screen_clears wayland-menu-closed "a click outside did not close the menu"
 
 "$bin" ctl open-panel || fail "ctl open-panel failed after the panel closed"
 drawn_at wayland-panel-last "872 24 400 668"

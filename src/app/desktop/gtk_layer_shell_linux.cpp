@@ -73,6 +73,16 @@ void makeLayerSurface(GtkWindow* window, bool takesKeyboard) {
   }
 }
 
+void makeMenuAnchorSurface(GtkWindow* window) {
+  gtk_layer_init_for_window(window);
+  gtk_layer_set_namespace(window, "quillmark-menu");
+  gtk_layer_set_layer(window, GTK_LAYER_SHELL_LAYER_OVERLAY);
+  gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_TOP, TRUE);
+  gtk_layer_set_anchor(window, GTK_LAYER_SHELL_EDGE_RIGHT, TRUE);
+  gtk_layer_set_exclusive_zone(window, 0);
+  gtk_layer_set_keyboard_mode(window, GTK_LAYER_SHELL_KEYBOARD_MODE_NONE);
+}
+
 void placeLayerSurface(GtkWindow* window, int x, int y, int width, int height) {
   GdkDisplay* display = gdk_display_get_default();
   if (!display) return;

@@ -23,6 +23,10 @@ namespace quillmark {
 // until it closes).
 void makeLayerSurface(GtkWindow* window, bool takesKeyboard);
 
+// Makes a window, not yet realised, a layer surface in the monitor's top-right corner without
+// the keyboard, for a menu to hang from when no card is open.
+void makeMenuAnchorSurface(GtkWindow* window);
+
 // Puts a layer surface's top-left corner at (x, y) in GDK's root coordinates (logical pixels, y
 // down), on the monitor that holds its centre.
 void placeLayerSurface(GtkWindow* window, int x, int y, int width, int height);
