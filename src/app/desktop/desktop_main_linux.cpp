@@ -68,8 +68,9 @@ std::optional<int> desktopMain(bool evenWithoutTray) {
   // Cards are placed where the tray item is. A Wayland client can do that only with layer-shell
   // surfaces, so under a compositor that offers them GTK talks Wayland natively; under one without
   // them the windows go through XWayland, where X11 lets a client place them. A backend the user
-  // chose (GDK_BACKEND) is kept.
-  if (hasValue("WAYLAND_DISPLAY") && !hasValue("GDK_BACKEND")) {
+  // chose (GDK_BACKEND) is kept, and so is GTK's choice when the compositor handed us a connected
+  // socket (WAYLAND_SOCKET): asking the compositor would use that up.
+  if (hasValue("WAYLAND_DISPLAY") && !hasValue("GDK_BACKEND") && !hasValue("WAYLAND_SOCKET")) {
     if (compositorOffersLayerShell()) {
       setenv("GDK_BACKEND", "wayland", 1);
     } else if (hasValue("DISPLAY")) {

@@ -20,7 +20,7 @@ runtime=$home/runtime
 mkdir -m 700 "$runtime"
 export XDG_CONFIG_HOME=$home/config XDG_STATE_HOME=$home/state NO_AT_BRIDGE=1
 export XDG_RUNTIME_DIR=$runtime WLR_BACKENDS=headless WLR_LIBINPUT_NO_DEVICES=1 WLR_RENDERER=pixman
-unset GDK_BACKEND GDK_SCALE WAYLAND_DISPLAY SWAYSOCK
+unset GDK_BACKEND GDK_SCALE WAYLAND_DISPLAY WAYLAND_SOCKET SWAYSOCK
 # An X display that does not exist: a program that fell back to XWayland would fail to start.
 export DISPLAY=:qm-no-such-display
 mkdir -p "$XDG_CONFIG_HOME/quillmark"
