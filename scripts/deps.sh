@@ -19,6 +19,8 @@ packages=(
   libx11-dev libxres-dev                 # the front application on X11 (_NET_ACTIVE_WINDOW, X-Resource pid)
   xvfb                                   # a private X server for the front-application and desktop-program tests
   libgtk-3-dev                           # the desktop program's panel and first-run windows (GTK 3 on GLib's main loop)
+  libgtk-layer-shell-dev                 # the same windows as layer-shell surfaces on Wayland compositors that have them
+  sway grim wtype                        # the Wayland desktop test: headless compositor, screenshots, virtual keyboard
   python3-xlib                           # the desktop-program test finds its windows, presses keys and takes screenshots
   python3-dbus python3-gi                # the tray test's mock StatusNotifierWatcher and host (python3-dbus on GLib)
   dpkg-dev file                          # CPack's DEB generator: dpkg-shlibdeps for Depends, file to find the binaries

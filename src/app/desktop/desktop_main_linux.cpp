@@ -11,6 +11,7 @@
 
 #include "app/desktop/desktop_commands.h"
 #include "app/desktop/desktop_shell_linux.h"
+#include "app/desktop/gtk_layer_shell_linux.h"
 #include "app/desktop/scripting_service.h"
 #include "app/frontend/front_end.h"
 #include "app/frontend/line_writer.h"
@@ -64,10 +65,17 @@ std::optional<int> desktopMain(bool evenWithoutTray) {
   StopSignals stopSignals;
   std::signal(SIGPIPE, SIG_IGN);
 
-  // Cards are placed where the tray item is, which only X11 lets a client do; under a Wayland
-  // compositor with XWayland the windows go through XWayland.
-  if (hasValue("WAYLAND_DISPLAY") && hasValue("DISPLAY") && !hasValue("GDK_BACKEND")) {
-    setenv("GDK_BACKEND", "x11", 1);
+  // Cards are placed where the tray item is. A Wayland client can do that only with layer-shell
+  // surfaces, so under a compositor that offers them GTK talks Wayland natively; under one without
+  // them the windows go through XWayland, where X11 lets a client place them. A backend the user
+  // chose (GDK_BACKEND) is kept, and so is GTK's choice when the compositor handed us a connected
+  // socket (WAYLAND_SOCKET): asking the compositor would use that up.
+  if (hasValue("WAYLAND_DISPLAY") && !hasValue("GDK_BACKEND") && !hasValue("WAYLAND_SOCKET")) {
+    if (compositorOffersLayerShell()) {
+      setenv("GDK_BACKEND", "wayland", 1);
+    } else if (hasValue("DISPLAY")) {
+      setenv("GDK_BACKEND", "x11", 1);
+    }
   }
   // The cards are drawn by Cairo into plain surfaces. Without this GDK probes OpenGL when it opens
   // an X display, which maps the GL driver (with Mesa, LLVM too): some 50 MB for nothing.

@@ -4,7 +4,8 @@
 # without any tray says so once and prints the status line; `ctl open-panel` shows the 400 × 668 panel at the top right of the work area, Escape
 # closes it, a second `quillmark` opens the first one's panel and exits 0; under a window manager
 # that reserves a bottom strip the card stands on the strip with its arrow underneath; at
-# GDK_SCALE=2 the window has twice the pixels; SIGTERM resumes a group paused through the bus.
+# GDK_SCALE=2 the window has twice the pixels; under a Wayland compositor without layer-shell the
+# windows go through X11; SIGTERM resumes a group paused through the bus.
 # Screenshots are kept in OUTDIR. Skipped (77) without Xvfb or python3-xlib.
 set -euo pipefail
 bin=$1
@@ -22,12 +23,13 @@ export XDG_CONFIG_HOME=$home/config XDG_STATE_HOME=$home/state NO_AT_BRIDGE=1
 unset WAYLAND_DISPLAY GDK_BACKEND GDK_SCALE
 mkdir -p "$XDG_CONFIG_HOME/quillmark"
 log=$XDG_STATE_HOME/quillmark/Quillmark.log
-xvfb= app= wm= child=
+xvfb= app= wm= child= compositor=
 cleanup() {
   [ -n "$app" ] && kill -KILL "$app" 2>/dev/null || true
   [ -n "$wm" ] && kill "$wm" 2>/dev/null || true
   [ -n "$child" ] && { kill -CONT "$child" 2>/dev/null || true; kill -KILL "$child" 2>/dev/null || true; }
   [ -n "$xvfb" ] && kill "$xvfb" 2>/dev/null || true
+  [ -n "$compositor" ] && kill "$compositor" 2>/dev/null || true
   rm -rf "$home"
 }
 trap cleanup EXIT
@@ -140,7 +142,21 @@ shot desktop-panel-2x "1744 48 800 1336"
 stop_app
 stop_xvfb
 
-# 6. A tray host on the bus (the mock watcher of tray_test.py) under a 24 px top bar: the item
+# 6. Under a Wayland compositor without layer-shell (a stand-in that announces no globals) the
+# windows go through X11, to the same place.
+coproc COMPOSITOR { exec "$python" "$here/wayland_stub.py" "$home/wayland-stub"; }
+compositor=$COMPOSITOR_PID
+read -r ready <&"${COMPOSITOR[0]}"
+[ "$ready" = ready ] || fail "the stand-in compositor did not start"
+start_xvfb 1280x800
+WAYLAND_DISPLAY=$home/wayland-stub start_app --desktop
+panel_at "872 24 400 668"
+stop_app
+stop_xvfb
+kill "$compositor" 2>/dev/null || true
+compositor=
+
+# 7. A tray host on the bus (the mock watcher of tray_test.py) under a 24 px top bar: the item
 # registers, its menu is there, a click in the bar hangs the panel from the bar under the click,
 # a second click closes it, ContextMenu pops the menu up, and nothing is said about a missing tray.
 if "$python" -c 'import dbus, gi' 2>/dev/null; then

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 
+#include "app/desktop/gtk_layer_shell_linux.h"
 #include "views/canvas_cairo.h"
 
 namespace quillmark {
@@ -278,6 +279,8 @@ GtkCardWindow::GtkCardWindow(HostedContent& content, bool takesFocus)
   gtk_window_set_default_size(window, width, height);
   gtk_widget_set_size_request(window_, width, height);
   gtk_widget_set_app_paintable(window_, TRUE);
+  layer_ = gtkUsesLayerShell();
+  if (layer_) makeLayerSurface(window, takesFocus);
   GdkScreen* screen = gtk_widget_get_screen(window_);
   if (gdk_screen_is_composited(screen)) {
     if (GdkVisual* rgba = gdk_screen_get_rgba_visual(screen)) gtk_widget_set_visual(window_, rgba);
@@ -323,7 +326,14 @@ GtkCardWindow::~GtkCardWindow() {
   gtk_widget_destroy(window_);
 }
 
-void GtkCardWindow::moveTo(int x, int y) { gtk_window_move(GTK_WINDOW(window_), x, y); }
+void GtkCardWindow::moveTo(int x, int y) {
+  if (layer_) {
+    placeLayerSurface(GTK_WINDOW(window_), x, y, static_cast<int>(std::ceil(content_.width())),
+                      static_cast<int>(std::ceil(content_.height())));
+  } else {
+    gtk_window_move(GTK_WINDOW(window_), x, y);
+  }
+}
 
 void GtkCardWindow::present() {
   gtk_widget_realize(window_);

@@ -16,6 +16,9 @@ namespace quillmark {
 // Chinese, dead keys) arrives as marked and committed text. Where the screen has no compositor
 // the window is shaped to the card's outline, so its rounded corners and arrow show no black.
 //
+// On a Wayland display whose compositor has layer-shell the window is a layer surface instead of
+// a toplevel, since only those can be put at a given spot there.
+//
 // `takesFocus` makes a panel that becomes the focused window and reports losing it; otherwise a
 // card that appears in front without taking the keyboard (the first-run tip). Main thread only;
 // content must outlive the window.
@@ -52,6 +55,7 @@ class GtkCardWindow {
 
   HostedContent& content_;
   bool takesFocus_;
+  bool layer_ = false;  // a layer-shell surface (native Wayland), placed by margins
   GtkWidget* window_ = nullptr;
   GtkIMContext* im_ = nullptr;
   unsigned tickId_ = 0;

@@ -4,6 +4,8 @@
 
 #include <memory>
 
+#include "app/desktop/gtk_layer_shell_linux.h"
+
 namespace quillmark {
 namespace {
 
@@ -47,6 +49,24 @@ GtkWidget* buildMenu(const std::vector<MenuEntry>& entries, const std::shared_pt
   return menu;
 }
 
+GtkWidget* makeMenuAnchor() {
+  GtkWidget* anchor = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+  makeMenuAnchorSurface(GTK_WINDOW(anchor));
+  gtk_window_set_default_size(GTK_WINDOW(anchor), 1, 1);
+  gtk_widget_set_app_paintable(anchor, TRUE);
+  if (GdkVisual* rgba = gdk_screen_get_rgba_visual(gtk_widget_get_screen(anchor))) {
+    gtk_widget_set_visual(anchor, rgba);
+  }
+  g_signal_connect(anchor, "draw", G_CALLBACK(+[](GtkWidget*, cairo_t* cr, gpointer) -> gboolean {
+                     cairo_set_operator(cr, CAIRO_OPERATOR_CLEAR);
+                     cairo_paint(cr);
+                     return TRUE;
+                   }),
+                   nullptr);
+  gtk_widget_show(anchor);
+  return anchor;
+}
+
 }  // namespace
 
 void gtkPopUpMenu(const std::vector<MenuEntry>& entries,
@@ -55,17 +75,27 @@ void gtkPopUpMenu(const std::vector<MenuEntry>& entries,
   GtkWidget* menu = buildMenu(entries, std::make_shared<Choose>(std::move(onChoose)));
   // The menu is ours until it closes; destroyed after its "activate" has run.
   g_object_ref_sink(menu);
+  // A Wayland menu needs a window of ours to hang from: a one-pixel layer surface at the tray's
+  // likely place, the top-right corner, which goes with the menu.
+  GtkWidget* anchor = gtkUsesLayerShell() ? makeMenuAnchor() : nullptr;
+  g_object_set_data(G_OBJECT(menu), "quillmark-anchor", anchor);
   g_signal_connect(menu, "deactivate", G_CALLBACK(+[](GtkMenuShell* shell, gpointer) {
                      g_idle_add(
                          [](gpointer widget) -> gboolean {
+                           auto* anchorWindow = g_object_get_data(G_OBJECT(widget), "quillmark-anchor");
                            gtk_widget_destroy(GTK_WIDGET(widget));
                            g_object_unref(widget);
+                           if (anchorWindow) gtk_widget_destroy(GTK_WIDGET(anchorWindow));
                            return G_SOURCE_REMOVE;
                          },
                          shell);
                    }),
                    nullptr);
   gtk_widget_show_all(menu);
+  if (anchor) {
+    gtk_menu_popup_at_widget(GTK_MENU(menu), anchor, GDK_GRAVITY_SOUTH_EAST, GDK_GRAVITY_NORTH_EAST, nullptr);
+    return;
+  }
   // The request comes over the bus, not with a GDK event, so there is no event to place the menu
   // by: it opens at the pointer's place on the root window instead.
   GdkWindow* root = gdk_get_default_root_window();
