@@ -52,19 +52,8 @@ start_xvfb() {  # start_xvfb WxH
   export DISPLAY=:$(head -n1 "$home/display")
 }
 stop_xvfb() { kill "$xvfb"; wait "$xvfb" 2>/dev/null || true; xvfb=; rm -f "$home/display"; }
-start_app() {  # start_app ARGS...: waits until it answers on the bus
-  "$bin" "$@" >"$home/out" 2>"$home/err" &
-  app=$!
-  for _ in $(seq 200); do "$bin" ctl processes >/dev/null 2>&1 && return; sleep 0.1; done
-  fail "quillmark $* did not answer on the bus"
-}
-stop_app() {
-  kill -TERM "$app"
-  local status=0
-  wait "$app" || status=$?
-  app=
-  [ "$status" = 0 ] || fail "quillmark ended with status $status after SIGTERM"
-}
+# shellcheck source=desktop_test_app.sh
+. "$here/desktop_test_app.sh"
 panel_at() {  # panel_at "X Y W H": opens the panel and checks where it is
   "$bin" ctl open-panel || fail "ctl open-panel failed"
   local geometry

@@ -68,19 +68,8 @@ if [ -z "$socket" ]; then
 fi
 export SWAYSOCK=$socket WAYLAND_DISPLAY=wayland-1
 
-start_app() {  # start_app ARGS...: waits until it answers on the bus
-  "$bin" "$@" >"$home/out" 2>"$home/err" &
-  app=$!
-  for _ in $(seq 200); do "$bin" ctl processes >/dev/null 2>&1 && return; sleep 0.1; done
-  fail "quillmark $* did not answer on the bus"
-}
-stop_app() {
-  kill -TERM "$app"
-  local status=0
-  wait "$app" || status=$?
-  app=
-  [ "$status" = 0 ] || fail "quillmark ended with status $status after SIGTERM"
-}
+# shellcheck source=desktop_test_app.sh
+. "$here/desktop_test_app.sh"
 measure() {  # measure NAME [X Y W H]: screenshot to OUTDIR/NAME.png; sets colours, lit, stray
   read -r colours lit stray < <(grim -t ppm - | python3 "$here/desktop_wayland_shot.py" "$outdir/$1.png" ${2:-})
 }
